@@ -1,0 +1,115 @@
+#include "support/TestSupport.h"
+
+#include "app/Startup.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+Dialogs *currentDialogs()
+{
+    return &dialogs();
+}
+
+void copyTree(const QString &from, const QString &to)
+{
+    QDir().mkpath(to);
+    QDirIterator it(from, QDir::Files | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString src = it.next();
+        const QString rel = QDir(from).relativeFilePath(src);
+        const QString dst = to + QLatin1Char('/') + rel;
+        QDir().mkpath(QFileInfo(dst).absolutePath());
+        QFile::copy(src, dst);
+    }
+}
+} // namespace
+
+ScriptedDialogs::ScriptedDialogs() : m_previous(currentDialogs())
+{
+    setDialogs(this);
+}
+
+ScriptedDialogs::~ScriptedDialogs()
+{
+    setDialogs(m_previous == this ? nullptr : m_previous);
+}
+
+MsgResult ScriptedDialogs::message(const QString &text, const QString &title, MsgIcon icon, MsgButtons buttons)
+{
+    messages.append({text, title, icon, buttons});
+    if (!answers.isEmpty())
+        return answers.takeFirst();
+    switch (buttons) {
+    case MsgButtons::Ok: return MsgResult::Ok;
+    case MsgButtons::YesNo: return MsgResult::No;
+    default: return MsgResult::Cancel;
+    }
+}
+
+QString ScriptedDialogs::openFile(const FileDialogRequest &request)
+{
+    openRequests.append(request);
+    return openAnswers.isEmpty() ? QString() : openAnswers.takeFirst();
+}
+
+QString ScriptedDialogs::saveFile(const FileDialogRequest &request)
+{
+    saveRequests.append(request);
+    return saveAnswers.isEmpty() ? QString() : saveAnswers.takeFirst();
+}
+
+QString ScriptedDialogs::browseFolder(const QString &title, const QString &)
+{
+    folderRequests.append(title);
+    return folderAnswers.isEmpty() ? QString() : folderAnswers.takeFirst();
+}
+
+QString BuildAppFolder()
+{
+    return QCoreApplication::applicationDirPath() + QLatin1Char('/');
+}
+
+TempAppFolder::TempAppFolder(bool withData) : m_previousAppPath(AppPath())
+{
+    if (withData) {
+        for (const char *d : {"objects", "backgrounds", "lang"})
+            copyTree(BuildAppFolder() + QLatin1String(d), m_dir.path() + QLatin1Char('/') + QLatin1String(d));
+    }
+    QDir(m_dir.path()).mkpath(QStringLiteral("packs"));
+    QDir(m_dir.path()).mkpath(QStringLiteral("layouts"));
+    SetAppPath(QDir::toNativeSeparators(m_dir.path()));
+}
+
+TempAppFolder::~TempAppFolder()
+{
+    SetAppPath(m_previousAppPath);
+}
+
+QString TempAppFolder::path() const
+{
+    return AppPath();
+}
+
+QString TempAppFolder::file(const QString &relative) const
+{
+    return AppPath() + relative;
+}
+
+QString WriteFile(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    if (f.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        f.write(bytes);
+    return path;
+}
+
+QByteArray ReadAll(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}

@@ -1,0 +1,64 @@
+#pragma once
+// Shared helpers for the tests: a dialog stand-in that never blocks, and a throw-away
+// application folder.
+
+#include "core/Dialogs.h"
+
+#include <QList>
+#include <QStringList>
+#include <QTemporaryDir>
+
+// Records every message and dialog request and answers from scripted queues; an empty
+// queue answers with the safe default (Ok, Cancel, No, no file).
+class ScriptedDialogs : public Dialogs {
+public:
+    struct Shown {
+        QString text;
+        QString title;
+        MsgIcon icon;
+        MsgButtons buttons;
+    };
+
+    ScriptedDialogs();  // installs itself
+    ~ScriptedDialogs() override; // restores the previous dialogs
+
+    MsgResult message(const QString &text, const QString &title, MsgIcon icon, MsgButtons buttons) override;
+    QString openFile(const FileDialogRequest &request) override;
+    QString saveFile(const FileDialogRequest &request) override;
+    QString browseFolder(const QString &title, const QString &initialDir) override;
+
+    QList<Shown> messages;
+    QList<FileDialogRequest> openRequests;
+    QList<FileDialogRequest> saveRequests;
+    QStringList folderRequests;
+
+    QList<MsgResult> answers;
+    QStringList openAnswers;
+    QStringList saveAnswers;
+    QStringList folderAnswers;
+
+private:
+    Dialogs *m_previous = nullptr;
+};
+
+// A fresh application folder in a temporary directory. The program's data folders
+// (objects, backgrounds, lang) are copied in from the build's application folder when
+// asked, and AppPath() points at it while the object lives.
+class TempAppFolder {
+public:
+    explicit TempAppFolder(bool withData = true);
+    ~TempAppFolder();
+    QString path() const;             // with the trailing separator
+    QString file(const QString &relative) const;
+    bool isValid() const { return m_dir.isValid(); }
+
+private:
+    QTemporaryDir m_dir;
+    QString m_previousAppPath;
+};
+
+// The build's application folder (where the test executables and the data live).
+QString BuildAppFolder();
+// Writes bytes to a file, creating folders; returns the path.
+QString WriteFile(const QString &path, const QByteArray &bytes);
+QByteArray ReadAll(const QString &path);
