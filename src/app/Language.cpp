@@ -169,9 +169,6 @@ const QList<DefaultText> &defaults()
     {267, u"restricted point left"_s},
     {268, u"restricted point right"_s},
     {269, u"route checker"_s},
-    {100, u"Layout file"_s},
-    {102, u"All files"_s},
-    {104, u"untitled"_s},
     };
     return table;
 }

@@ -1,0 +1,187 @@
+#include "app/Config.h"
+#include "app/ErrorLog.h"
+#include "app/Language.h"
+#include "app/Startup.h"
+#include "support/TestSupport.h"
+
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+class TestConfig : public QObject {
+    Q_OBJECT
+private slots:
+    void readKey_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("lower-case key matches") << "savetype png\r\n"_ba << "SaveType" << "png";
+        QTest::newRow("trailing blanks trimmed") << "SaveType png   \r\n"_ba << "SaveType" << "png";
+        QTest::newRow("several blanks before value") << "SaveType    png\r\n"_ba << "SaveType" << "png";
+        QTest::newRow("blanks only keep default") << "SaveType    \r\n"_ba << "SaveType" << "jpg";
+        QTest::newRow("key alone keeps default") << "SaveType\r\n"_ba << "SaveType" << "jpg";
+        QTest::newRow("tab does not separate") << "SaveType\tpng\r\n"_ba << "SaveType" << "jpg";
+        QTest::newRow("longer key does not match") << "SaveTypeX png\r\n"_ba << "SaveType" << "jpg";
+        QTest::newRow("key must start the line") << " SaveType png\r\n"_ba << "SaveType" << "jpg";
+        QTest::newRow("last non-empty wins") << "SaveType bmp\r\nSaveType gif\r\n"_ba << "SaveType" << "gif";
+        QTest::newRow("empty later value ignored") << "SaveType bmp\r\nSaveType \r\n"_ba << "SaveType" << "bmp";
+        QTest::newRow("LF-only lines") << "a 1\nSaveType png\n"_ba << "SaveType" << "png";
+        QTest::newRow("no final newline") << "SaveType png"_ba << "SaveType" << "png";
+        QTest::newRow("value keeps inner blanks") << "AU1 C:\\My Maps\\a b.png \r\n"_ba << "AU1"
+                                                  << "C:\\My Maps\\a b.png";
+        QTest::newRow("tabs inside value kept") << "SaveType \tpng\r\n"_ba << "SaveType" << "\tpng";
+        QTest::newRow("ANSI byte decoded") << "Language caf\xe9\r\n"_ba << "Language" << u"caf\u00e9"_s;
+        QTest::newRow("UTF-8 with mark") << "\xEF\xBB\xBFLanguage caf\xc3\xa9\r\n"_ba << "Language"
+                                         << u"caf\u00e9"_s;
+    }
+    void readKey()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, key);
+        QFETCH(QString, expected);
+        TempAppFolder app(false);
+        const QString path = WriteFile(app.file(u"x.cfg"_s), file);
+        QCOMPARE(ReadKey(path, key, u"jpg"_s), expected);
+    }
+
+    void readKeyMissingAndUnreadable()
+    {
+        TempAppFolder app(false);
+        ScriptedDialogs dlg;
+        ClearLoggedErrors();
+        // Missing file or folder: the default, silently.
+        QCOMPARE(ReadKey(app.file(u"none.cfg"_s), u"k"_s, u"d"_s), u"d"_s);
+        QCOMPARE(ReadKey(app.file(u"no/such/dir/x.cfg"_s), u"k"_s, u"d"_s), u"d"_s);
+        QVERIFY(dlg.messages.isEmpty());
+        // A folder where the file should be: reported, default returned.
+        QDir(app.path()).mkpath(u"adir"_s);
+        QCOMPARE(ReadKey(app.file(u"adir"_s), u"k"_s, u"d"_s), u"d"_s);
+        QCOMPARE(LoggedErrors(), QStringList{u"75: Path/File access error in GetOptions"_s});
+        QCOMPARE(dlg.messages.size(), 1);
+        QCOMPARE(dlg.messages[0].title, u"Sorry :("_s);
+    }
+
+    void saveOptionsExactBytes()
+    {
+        TempAppFolder app(false);
+        SetLang(50, u"Options"_s);
+        Options &o = options();
+        o = Options::defaults();
+        o.Language = u"L"_s;
+        o.AU1 = u"a1"_s;
+        o.AU2 = u"a2"_s;
+        o.AU34 = u"a34"_s;
+        o.BL3 = u"b3"_s;
+        o.OpenFolder = u"of"_s;
+        o.RememberOpenFolder = false;
+        o.SaveFolder = u"sf"_s;
+        o.RememberSaveFolder = true;
+        o.SavePercent = 250;
+        o.SaveQuality = -3;
+        o.SaveType = u"png"_s;
+        // The second item is empty and the last is never written.
+        QVERIFY(SaveOptions({u"r1"_s, QString(), u"r3"_s, u"never"_s}));
+        const QByteArray bytes = ReadAll(ConfigPath());
+        const QList<QByteArray> lines = bytes.split('\n');
+        QVERIFY(bytes.endsWith("\r\n"));
+        for (int i = 0; i + 1 < lines.size(); ++i)
+            QVERIFY2(lines[i].endsWith('\r'), lines[i].constData());
+        // Six banner lines, none starting with a letter; the fifth ends in " Options".
+        for (int i = 0; i < 6; ++i)
+            QVERIFY(!QChar::fromLatin1(lines[i].at(0)).isLetter());
+        QVERIFY(lines[4].endsWith(" Options\r"));
+        QVERIFY(lines[5].startsWith("       ") && lines[5].at(7) != ' ');
+        const QByteArray body = bytes.mid(bytes.indexOf("\r\n\r\nLanguage") + 2);
+        QCOMPARE(body, "\r\nLanguage L\r\n\r\nAU1 a1\r\nAU2 a2\r\nAU34 a34\r\nBL3 b3\r\n\r\n"
+                       "OpenFolder of\r\nRememberOpenFolder False\r\n\r\n"
+                       "SaveFolder sf\r\nRememberSaveFolder True\r\nSavePercent 250\r\nSaveQuality -3\r\n"
+                       "SaveType png\r\n\r\nRecentFile1 r1\r\nRecentFile3 r3\r\n"_ba);
+    }
+
+    void roundTrip()
+    {
+        TempAppFolder app(false);
+        Options &o = options();
+        o = Options::defaults();
+        o.AU1 = u"/maps/au1 big.png"_s;
+        o.RememberOpenFolder = false;
+        o.SavePercent = 400;
+        o.SaveQuality = 15;
+        o.SaveType = u"gif"_s;
+        o.SaveFolder = u"/home/\u0418\u0432\u0430\u043d/layouts"_s; // not in the ANSI page: kept whole
+        const Options saved = o;
+        QVERIFY(SaveOptions({u"/x/AU1_a.lyt"_s, u"/x/BL3_b.lyt"_s, QString()}));
+        o = Options();
+        QStringList recent;
+        GetOptions([&](const QString &p) { recent.prepend(p); });
+        QCOMPARE(o.AU1, saved.AU1);
+        QCOMPARE(o.AU2, saved.AU2);
+        QCOMPARE(o.Language, saved.Language);
+        QCOMPARE(o.RememberOpenFolder, false);
+        QCOMPARE(o.RememberSaveFolder, true);
+        QCOMPARE(o.SavePercent, 400);
+        QCOMPARE(o.SaveQuality, 15);
+        QCOMPARE(o.SaveType, u"gif"_s);
+        QCOMPARE(o.SaveFolder, saved.SaveFolder);
+        // RecentFile10 is handed over first and RecentFile1 last.
+        QCOMPARE(recent.size(), 10);
+        QCOMPARE(recent[0], u"/x/AU1_a.lyt"_s);
+        QCOMPARE(recent[1], u"/x/BL3_b.lyt"_s);
+        QVERIFY(recent[2].isEmpty());
+    }
+
+    void badValues_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<int>("error");
+        QTest::newRow("percent abc") << "SavePercent abc"_ba << 13;
+        QTest::newRow("percent 99999") << "SavePercent 99999"_ba << 6;
+        QTest::newRow("quality -32769") << "SaveQuality -32769"_ba << 6;
+        QTest::newRow("boolean yes") << "RememberOpenFolder yes"_ba << 13;
+        QTest::newRow("boolean number") << "RememberOpenFolder 0"_ba << 0;
+        QTest::newRow("boolean any case") << "RememberSaveFolder fALSE"_ba << 0;
+        QTest::newRow("percent rounds half to even") << "SavePercent 12.5"_ba << 0;
+    }
+    void badValues()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(int, error);
+        TempAppFolder app(false);
+        WriteFile(ConfigPath(), line + "\r\n");
+        int raised = 0;
+        try {
+            GetOptions();
+        } catch (const rt::Error &e) {
+            raised = e.number();
+            QVERIFY(e.description().contains(QString::fromLatin1(line)));
+        }
+        QCOMPARE(raised, error);
+        if (line.startsWith("SavePercent 12.5"))
+            QCOMPARE(options().SavePercent, 12);
+    }
+
+    void defaultsFollowAppFolder()
+    {
+        TempAppFolder app(false);
+        QFile::remove(ConfigPath());
+        GetOptions();
+        QCOMPARE(options().AU34, app.path() + u"backgrounds"_s + QDir::separator() + u"AU34.png"_s);
+        QCOMPARE(options().OpenFolder, app.path() + u"layouts"_s);
+        QCOMPARE(options().SavePercent, 100);
+        QCOMPARE(options().SaveType, u"jpg"_s);
+    }
+
+    void appPathSeparator()
+    {
+        const QString keep = AppPath();
+        SetAppPath(u"/opt/varno"_s);
+        QCOMPARE(AppPath(), QDir::toNativeSeparators(u"/opt/varno/"_s));
+        SetAppPath(u"/"_s);
+        QCOMPARE(AppPath(), QDir::toNativeSeparators(u"/"_s));
+        SetAppPath(keep);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestConfig)
+#include "tst_config.moc"
