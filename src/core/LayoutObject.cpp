@@ -1,0 +1,245 @@
+#include "core/LayoutObject.h"
+
+#include "app/ErrorLog.h"
+#include "catalogue/ObjectKinds.h"
+#include "core/Runtime.h"
+#include "imaging/ColorMatrix.h"
+#include "imaging/cGraphics.h"
+
+#include <QDateTime>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A 24-bit linear congruential generator with a full period: consecutive keys of a
+// session never share their random part, so two objects made in the same second still
+// get different keys.
+float nextRandom()
+{
+    static uint32_t state = static_cast<uint32_t>(QDateTime::currentMSecsSinceEpoch()) & 0xFFFFFFu;
+    state = (state * 1140671485u + 12820163u) & 0xFFFFFFu;
+    return static_cast<float>(state) / 16777216.0f;
+}
+
+const cBitmap &catalogueImage(int16_t id)
+{
+    return ObjectKindAt(id).Image;
+}
+
+} // namespace
+
+// --- varnoObject -------------------------------------------------------------------
+
+void varnoObject::setID(int16_t id)
+{
+    m_id = id;
+}
+
+int16_t varnoObject::ImageSize() const
+{
+    return rt::toInt16(static_cast<long long>(m_image.Width()));
+}
+
+bool varnoObject::OnPixel(int x, int y) const
+{
+    return m_image.GetPixelAlpha(x, y) > 0;
+}
+
+const QImage &varnoObject::highlightedImage() const
+{
+    if (m_highlighted.isNull() && !m_image.isNull())
+        m_highlighted = highlightAttributes().applied(m_image.Handle());
+    return m_highlighted;
+}
+
+int16_t varnoObject::NormaliseAngle(int16_t angle)
+{
+    const int16_t minus = rt::sub16(angle, 360);
+    const int16_t plus = rt::add16(angle, 360);
+    if (angle > 180)
+        return minus;
+    if (angle < -180)
+        return plus;
+    return angle;
+}
+
+QString varnoObject::NewKey()
+{
+    const double random = static_cast<double>(nextRandom()) * 100000.0;
+    return QDateTime::currentDateTime().toString(u"yyMMdd-HHmmss"_s) + QString::number(random, 'g', 15);
+}
+
+void varnoObject::setImage(cBitmap &&image)
+{
+    m_image = std::move(image);
+    m_highlighted = QImage();
+}
+
+void varnoObject::drawPicture(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes)
+{
+    if (m_image.isNull())
+        return;
+    const int width = m_image.Width();
+    int size = 1;
+    if (zoom > 0)
+        size = std::max(1, static_cast<int>(rt::toInt32(static_cast<double>(static_cast<float>(width) / zoom))));
+    const int left = rt::toInt32(static_cast<long long>(x) - size / 2);
+    const int top = rt::toInt32(static_cast<long long>(y) - size / 2);
+    if (m_selected)
+        graphics.DrawImageRectRect(highlightedImage(), left, top, size, size, 0, 0, width, width);
+    else if (attributes && !attributes->isIdentity())
+        graphics.DrawImageRectRectI(m_image, left, top, size, size, 0, 0, width, width, attributes);
+    else
+        graphics.DrawImageRectRect(m_image.Handle(), left, top, size, size, 0, 0, width, width);
+}
+
+// --- nrmlObject --------------------------------------------------------------------
+
+nrmlObject::nrmlObject()
+{
+    m_key = NewKey();
+}
+
+void nrmlObject::setID(int16_t id)
+{
+    m_id = id;
+    // Only the start position uses kind 0; its key makes it easy to find.
+    if (id == Kind::Start)
+        m_key = u"start"_s;
+}
+
+void nrmlObject::Update(int16_t angle, uint8_t)
+{
+    guarded(u"nrmlObject.varnoObject_Update"_s, [&] {
+        setImage(cBitmap());
+        m_angle = NormaliseAngle(angle);
+        m_spare = 0;
+        rt::checkIndex(m_id, 0, KindCount - 1);
+        cBitmap rotated;
+        rotated.Rotate(catalogueImage(m_id), m_angle);
+        setImage(std::move(rotated));
+    });
+}
+
+void nrmlObject::Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes)
+{
+    drawPicture(x, y, graphics, zoom, attributes);
+}
+
+std::unique_ptr<varnoObject> nrmlObject::clone() const
+{
+    return std::make_unique<nrmlObject>(*this);
+}
+
+// --- ctrlObject --------------------------------------------------------------------
+
+void ctrlObject::setID(int16_t id)
+{
+    m_id = id;
+    switch (id) {
+    case Kind::Start: m_key = u"start"_s; break;
+    case Kind::Finish: m_key = u"finish"_s; break;
+    case Kind::Checkpoint1: m_key = u"checkpoint 1"_s; break;
+    case Kind::Checkpoint2: m_key = u"checkpoint 2"_s; break;
+    case Kind::Checkpoint3: m_key = u"checkpoint 3"_s; break;
+    default: break;
+    }
+}
+
+void ctrlObject::Update(int16_t angle, uint8_t width)
+{
+    guarded(u"ctrlObject.varnoObject_Update"_s, [&] {
+        m_angle = NormaliseAngle(angle);
+        m_width = width;
+        rt::checkIndex(m_id, 0, KindCount - 1);
+        const cBitmap &source = catalogueImage(m_id);
+        // Lines are stretched at 22.8 picture pixels per unit of width; restricted-area
+        // kinds would get a thin 5-pixel bar.
+        const int stretchedWidth = rt::toInt32(static_cast<double>(m_width) * 22.8);
+        const int stretchedHeight = m_id >= Kind::RestrictedInvisible ? 5 : source.Height();
+        cBitmap stretched;
+        stretched.CreateAsCopy(source, stretchedWidth, stretchedHeight);
+        cBitmap rotated;
+        rotated.Rotate(stretched, m_angle);
+        setImage(std::move(rotated));
+    });
+}
+
+void ctrlObject::Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes)
+{
+    drawPicture(x, y, graphics, zoom, attributes);
+}
+
+std::unique_ptr<varnoObject> ctrlObject::clone() const
+{
+    return std::make_unique<ctrlObject>(*this);
+}
+
+// --- mrshObject --------------------------------------------------------------------
+
+mrshObject::mrshObject()
+{
+    m_key = NewKey();
+}
+
+void mrshObject::setID(int16_t id)
+{
+    m_id = id;
+    m_penColour = id == Kind::RouteChecker ? 0xFF008000u : 0xFFFF0000u;
+}
+
+uint8_t mrshObject::RouteIndex() const
+{
+    return m_id == Kind::RouteChecker ? m_routeIndex : 0;
+}
+
+int16_t mrshObject::ImageSize() const
+{
+    return rt::mul16(m_width, 23);
+}
+
+void mrshObject::Update(int16_t angle, uint8_t width)
+{
+    guarded(u"mrshObject.varnoObject_Update"_s, [&] {
+        m_angle = NormaliseAngle(angle);
+        m_width = width;
+        if (m_id >= Kind::RestrictedMarshall && m_id <= Kind::RestrictedPointRight) {
+            cBitmap rotated;
+            rotated.Rotate(catalogueImage(m_id), m_angle);
+            setImage(std::move(rotated));
+        }
+    });
+}
+
+void mrshObject::Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes)
+{
+    const bool checker = m_id == Kind::RouteChecker;
+    const uint32_t colour = checker ? (m_selected ? 0xFF90EE90u : 0xFF00FF00u)
+                                    : (m_selected ? 0xFFFFC0CBu : 0xFFFF0000u);
+    const int penWidth = rt::toInt32(static_cast<double>(4.0f / zoom * 7.0f));
+    const int diameter = rt::toInt32(static_cast<double>(static_cast<float>(ImageSize()) / zoom));
+    const int corner = penWidth / 2 - diameter / 2;
+    const int left = rt::toInt32(static_cast<long long>(x) + corner);
+    const int top = rt::toInt32(static_cast<long long>(y) + corner);
+    const int edge = rt::toInt32(static_cast<long long>(diameter) - penWidth);
+    // The stroke lies inside the nominal circle.
+    graphics.DrawEllipseI(colour, static_cast<float>(penWidth), left, top, edge, edge);
+    if (m_id >= Kind::RestrictedMarshall && m_id <= Kind::RestrictedPointRight)
+        drawPicture(x, y, graphics, zoom, attributes);
+}
+
+std::unique_ptr<varnoObject> mrshObject::clone() const
+{
+    return std::make_unique<mrshObject>(*this);
+}
+
+std::unique_ptr<varnoObject> CreateObjectForKind(int kind)
+{
+    switch (ClassForKind(kind)) {
+    case ObjectClass::Control: return std::make_unique<ctrlObject>();
+    case ObjectClass::Marshall: return std::make_unique<mrshObject>();
+    case ObjectClass::Normal: break;
+    }
+    return std::make_unique<nrmlObject>();
+}
