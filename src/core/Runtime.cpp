@@ -30,6 +30,8 @@ QString errorText(int number)
     case 71: return QStringLiteral("Disk not ready");
     case 75: return QStringLiteral("Path/File access error");
     case 76: return QStringLiteral("Path not found");
+    case 457: return QStringLiteral("This key is already associated with an element of this collection");
+    case 481: return QStringLiteral("Invalid picture");
     default: return QStringLiteral("Application-defined or object-defined error");
     }
 }

@@ -33,6 +33,8 @@ enum ErrorNumber : int {
     DiskNotReady = 71,
     PathFileAccessError = 75,
     PathNotFound = 76,
+    DuplicateKey = 457,
+    InvalidPicture = 481,
 };
 
 // The standard description of an error number ("Overflow", "Subscript out of range", ...).

@@ -1,0 +1,175 @@
+#pragma once
+// One open layout without its window: the objects, the placement rules, the layout
+// type with its background and bounds, the selection, and reading and writing layout
+// and pack files. The document window owns one and shows what it reports through its
+// signals; varno-cli and the tests drive it directly.
+//
+// Nothing is reported by exception across the signals: refusals come back as Message,
+// failures of the file procedures are logged and shown by their own handlers. Plain
+// calls (ObjectAdd, ObjectRemove, SelectionUpdate) leave run-time errors to the caller.
+
+#include "core/LayoutObject.h"
+#include "core/ObjectCollection.h"
+#include "imaging/cBitmap.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+// Everything an edit can change, for undo: the objects in order under their keys,
+// with every property, and the counters and flags that go with them.
+struct DocumentState {
+    std::vector<std::shared_ptr<const varnoObject>> objects;
+    int16_t marshallCount = 0;
+    bool hasStart = false, hasCheckpoint1 = false, hasCheckpoint2 = false, hasCheckpoint3 = false,
+         hasFinish = false;
+    uint8_t laps = 0;
+    bool edited = false;
+};
+
+// The smallest and largest X and Y over the selected objects.
+struct SelectionBox {
+    int32_t left = 0, top = 0, right = 0, bottom = 0;
+};
+
+// A pack file as stored: header and the records that are actually present.
+struct PackRecord {
+    uint8_t ID = 0;
+    int16_t X = 0;
+    int16_t Y = 0;
+    int16_t Angle = 0;
+    uint8_t Width = 0;
+};
+struct PackData {
+    int16_t width = 0;
+    int16_t height = 0;
+    int16_t count = 0;          // as the header says
+    QList<PackRecord> records;  // at most count; fewer when the file ends early
+    bool complete() const { return records.size() >= count; }
+};
+// Reads a pack without placing it. Error 53 for a missing file, 62 when the 6-byte
+// header is not all there. A negative count reads no records.
+PackData ReadPackFile(const QString &path);
+// The bytes of a pack file.
+QByteArray PackBytes(int16_t width, int16_t height, const QList<PackRecord> &records);
+
+class LayoutDocument : public QObject {
+    Q_OBJECT
+public:
+    // Turns view (client) pixels into layout coordinates in place.
+    using ViewToLayout = std::function<void(int32_t &x, int32_t &y)>;
+
+    explicit LayoutDocument(QObject *parent = nullptr);
+    ~LayoutDocument() override;
+
+    // --- identity -----------------------------------------------------------------
+    // Sets FileName, LayoutName (the file's title) and LayoutType (the title's first
+    // three characters, upper-cased).
+    void setFileName(const QString &fileName);
+    const QString &FileName() const { return m_fileName; }
+    const QString &LayoutName() const { return m_layoutName; }
+    const QString &LayoutType() const { return m_layoutType; }
+    bool IsAuSite() const;
+    uint8_t Revision() const { return m_revision; }
+    void setRevision(uint8_t r) { m_revision = r; }
+
+    // --- objects and placement rules ----------------------------------------------
+    const ObjectCollection &Objects() const { return m_objects; }
+    // Entries minus marshall-class objects: the count the user sees and the limit uses.
+    int16_t ObjectCount() const;
+    int16_t MarshallCount() const { return m_marshallCount; }
+    bool HasStart() const { return m_hasStart; }
+    bool HasCheckpoint1() const { return m_hasCheckpoint1; }
+    bool HasCheckpoint2() const { return m_hasCheckpoint2; }
+    bool HasCheckpoint3() const { return m_hasCheckpoint3; }
+    bool HasFinish() const { return m_hasFinish; }
+    uint8_t Laps() const { return m_laps; }
+    void setLaps(uint8_t laps);
+    bool Edited() const { return m_edited; }
+    void setEdited(bool e) { m_edited = e; }
+
+    void ObjectAdd(uint8_t ID, int16_t X, int16_t Y, int16_t &Angle, uint8_t &Width, bool &FromView,
+                   bool &Selected);
+    void ObjectRemove(const QString &key);
+
+    // The pointer's last position over the view, in layout units (set by the view),
+    // reported with every refusal.
+    void setPointer(int16_t x, int16_t y) { m_pointerX = x; m_pointerY = y; }
+    int16_t PointerX() const { return m_pointerX; }
+    int16_t PointerY() const { return m_pointerY; }
+    void setViewToLayout(ViewToLayout fn) { m_viewToLayout = std::move(fn); }
+
+    // --- background and bounds ----------------------------------------------------
+    bool LayoutLoadBG();
+    const cBitmap &Background() const { return m_background; }
+    const QString &BGName() const { return m_bgName; }
+    float BackgroundScale() const { return m_backgroundScale; }
+    // The type's default start position (ID 0), outside the collection; nullptr before
+    // LayoutLoadBG.
+    const varnoObject *StartMarker() const { return m_startMarker.get(); }
+    int BoundsWidth() const { return m_background.Width(); }
+    int BoundsHeight() const { return m_background.Height(); }
+
+    // --- selection ----------------------------------------------------------------
+    // Rebuilds the selection list and bounds from the objects' Selected flags, in
+    // collection order; Notify raises Updated afterwards.
+    void SelectionUpdate(bool Notify = false);
+    const QList<selObject> &Selection() const { return m_selection; }
+    const SelectionBox &SelectionBounds() const { return m_bounds; }
+    // Raises Updated, then ObjectUpdated with the unique flags.
+    void RaiseUpdates();
+
+    // --- undo ---------------------------------------------------------------------
+    DocumentState snapshot() const;
+    void restore(const DocumentState &state);
+
+    // --- files (errors are logged " in frmLayout.<procedure>") ---------------------
+    bool LayoutOpen();
+    bool LayoutSave(bool saveAs);
+    void PackWrite();
+    void PackRead(const QString &name, int16_t x, int16_t y);
+
+signals:
+    void Message(bool refusal, int16_t x, int16_t y, const QString &text);
+    void Updated();
+    void ObjectUpdated(bool start, bool checkpoint1, bool checkpoint2, bool checkpoint3, bool finish);
+    // The layout's name after a save (Save As can change it).
+    void LayoutNameChanged(const QString &name);
+
+private:
+    void refuse(int slot);
+    void resetContent();
+    bool readLayout(const QByteArray &bytes);
+    QByteArray layoutBytes(bool *unsupported);
+
+    QString m_fileName;
+    QString m_layoutName;
+    QString m_layoutType;
+    uint8_t m_revision = 0;
+
+    ObjectCollection m_objects;
+    int16_t m_marshallCount = 0;
+    bool m_hasStart = false;
+    bool m_hasCheckpoint1 = false;
+    bool m_hasCheckpoint2 = false;
+    bool m_hasCheckpoint3 = false;
+    bool m_hasFinish = false;
+    uint8_t m_laps = 0;
+    bool m_edited = false;
+
+    int16_t m_pointerX = 0;
+    int16_t m_pointerY = 0;
+    ViewToLayout m_viewToLayout;
+
+    cBitmap m_background;
+    QString m_bgName;
+    float m_backgroundScale = 0.0f;
+    std::unique_ptr<varnoObject> m_startMarker;
+
+    QList<selObject> m_selection;
+    SelectionBox m_bounds;
+};

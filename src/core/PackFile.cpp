@@ -1,0 +1,146 @@
+// Pack files for LayoutDocument: a selection saved as a reusable group, and placing
+// one in a layout.
+
+#include "core/LayoutDocument.h"
+
+#include "app/ErrorLog.h"
+#include "app/Language.h"
+#include "app/Startup.h"
+#include "core/Dialogs.h"
+#include "core/Runtime.h"
+#include "core/SafeWrite.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QtEndian>
+
+namespace {
+constexpr int PackHeaderSize = 6;
+constexpr int PackRecordSize = 8;
+
+void put16(QByteArray &out, int16_t v)
+{
+    uchar b[2];
+    qToLittleEndian<qint16>(v, b);
+    out.append(reinterpret_cast<const char *>(b), 2);
+}
+
+int16_t get16(const char *p)
+{
+    return qFromLittleEndian<qint16>(p);
+}
+} // namespace
+
+PackData ReadPackFile(const QString &path)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile())
+        rt::raise(rt::FileNotFound);
+    if (!file.open(QIODevice::ReadOnly))
+        rt::raise(rt::PermissionDenied);
+    const QByteArray head = file.read(PackHeaderSize);
+    if (head.size() < PackHeaderSize)
+        rt::raise(rt::InputPastEndOfFile);
+    PackData pack;
+    pack.width = get16(head.constData());
+    pack.height = get16(head.constData() + 2);
+    pack.count = get16(head.constData() + 4);
+    if (pack.count <= 0)
+        return pack;
+    // Only what the count asks for: a longer file holds an older pack's tail.
+    const QByteArray body = file.read(qint64(pack.count) * PackRecordSize);
+    const int present = int(body.size() / PackRecordSize);
+    pack.records.reserve(present);
+    for (int i = 0; i < present; ++i) {
+        const char *p = body.constData() + qsizetype(i) * PackRecordSize;
+        PackRecord r;
+        r.ID = uint8_t(p[0]);
+        r.X = get16(p + 1);
+        r.Y = get16(p + 3);
+        r.Angle = get16(p + 5);
+        r.Width = uint8_t(p[7]);
+        pack.records.append(r);
+    }
+    return pack;
+}
+
+QByteArray PackBytes(int16_t width, int16_t height, const QList<PackRecord> &records)
+{
+    QByteArray out;
+    out.reserve(PackHeaderSize + records.size() * PackRecordSize);
+    put16(out, width);
+    put16(out, height);
+    put16(out, rt::toInt16(static_cast<long long>(records.size())));
+    for (const PackRecord &r : records) {
+        out.append(char(r.ID));
+        put16(out, r.X);
+        put16(out, r.Y);
+        put16(out, r.Angle);
+        out.append(char(r.Width));
+    }
+    return out;
+}
+
+void LayoutDocument::PackWrite()
+{
+    guarded(QStringLiteral("frmLayout.PackWrite"), [&] {
+        const QString site = m_layoutType.left(2);
+        FileDialogRequest request;
+        request.fileName = site + QLatin1Char('_') + Lang(104) + QStringLiteral(".pack");
+        request.initialDir = AppPath() + QStringLiteral("packs");
+        request.defaultExt = QStringLiteral("pack");
+        request.filter = Lang(101) + QStringLiteral(" (*.pack)|*.pack|") + Lang(102) + QStringLiteral(" (*.*)|*.*");
+        request.filterIndex = 1;
+        QString path;
+        for (;;) {
+            path = dialogs().saveFile(request);
+            if (path.isEmpty())
+                return;
+            // The palette shows a pack only to layouts of its site, which it reads from
+            // the name, so the name must carry the site.
+            const QString title = fileTitle(path);
+            if (title.left(3).toUpper() == site + QLatin1Char('_') && title.right(5) == QLatin1String(".pack"))
+                break;
+            dialogs().message(Lang(168), QString(), MsgIcon::None);
+        }
+        QList<PackRecord> records;
+        records.reserve(m_selection.size());
+        for (const selObject &s : m_selection) {
+            const varnoObject &o = m_objects.Item(s.strKey);
+            records.append({o.ID(), s.X, s.Y, o.Angle(), o.Width()});
+        }
+        const int16_t width = rt::sub16(m_bounds.right, m_bounds.left);
+        const int16_t height = rt::sub16(m_bounds.bottom, m_bounds.top);
+        WriteKeepingTail(path, PackBytes(width, height, records));
+    });
+}
+
+void LayoutDocument::PackRead(const QString &name, int16_t x, int16_t y)
+{
+    const QString where = QStringLiteral("frmLayout.PackRead");
+    guarded(where, [&] {
+        const QString relative = QStringLiteral("packs") + QDir::separator() + name;
+        const QString path = AppPath() + relative;
+        if (!QFileInfo(path).isFile()) {
+            LogError(relative + QStringLiteral("\r\n\r\n") + Lang(166), 1);
+            return;
+        }
+        for (varnoObject &o : m_objects)
+            o.setSelected(false);
+        const PackData pack = ReadPackFile(path);
+        // The drop point is the pack's centre.
+        const int16_t left = rt::sub16(x, pack.width / 2);
+        const int16_t top = rt::sub16(y, pack.height / 2);
+        for (const PackRecord &r : pack.records) {
+            int16_t angle = r.Angle;
+            uint8_t width = r.Width;
+            bool fromView = false;
+            bool selected = true;
+            ObjectAdd(r.ID, rt::add16(left, r.X), rt::add16(top, r.Y), angle, width, fromView, selected);
+        }
+        if (!pack.complete())
+            rt::raise(rt::InputPastEndOfFile);
+    });
+    guarded(where, [&] { SelectionUpdate(true); });
+}
