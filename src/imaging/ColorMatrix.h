@@ -2,7 +2,9 @@
 // A 5 x 5 colour matrix (rows R, G, B, A, W; row 4 is the translation row), applied to
 // un-premultiplied pixels as GDI+ does: each output channel is the dot product of
 // (r, g, b, a, 1) in 0..1 with a matrix column, clamped to 0..1 and scaled to 0..255.
-// Pixels whose red, green and blue are equal can be skipped (the "skip greys" flag).
+// The "skip greys" flag records that greys (red = green = blue) go through a separate
+// grey matrix; every matrix here uses itself as its grey matrix, so greys are
+// transformed like any other pixel.
 
 #include <QImage>
 #include <array>

@@ -1,6 +1,7 @@
 #include "app/Language.h"
 #include "app/Startup.h"
 #include "catalogue/ObjectKinds.h"
+#include "core/Runtime.h"
 #include "support/TestSupport.h"
 
 #include <QtTest>
@@ -23,6 +24,8 @@ private slots:
     {
         for (int slot : LanguageSlots())
             SetLang(slot, DefaultLanguageString(slot));
+        TempAppFolder app(false);
+        FillCatalogue();
     }
 
     void fileIndexLookup_data()

@@ -79,8 +79,8 @@ TempAppFolder::TempAppFolder(bool withData) : m_previousAppPath(AppPath())
         for (const char *d : {"objects", "backgrounds", "lang"})
             copyTree(BuildAppFolder() + QLatin1String(d), m_dir.path() + QLatin1Char('/') + QLatin1String(d));
     }
-    QDir(m_dir.path()).mkpath(QStringLiteral("packs"));
-    QDir(m_dir.path()).mkpath(QStringLiteral("layouts"));
+    for (const char *d : {"objects", "backgrounds", "lang", "packs", "layouts"})
+        QDir(m_dir.path()).mkpath(QLatin1String(d));
     SetAppPath(QDir::toNativeSeparators(m_dir.path()));
 }
 
