@@ -13,6 +13,7 @@
 #include <memory>
 
 struct DocumentFixture {
+    Options previousOptions = options();
     std::unique_ptr<TempAppFolder> app;
 
     // Backgrounds of w x h pixels for all five types.
@@ -24,6 +25,10 @@ struct DocumentFixture {
         options().Language = app->file(QStringLiteral("lang/English.lng"));
         LoadLanguage();
     }
+
+    ~DocumentFixture() { options() = previousOptions; }
+    DocumentFixture(const DocumentFixture &) = delete;
+    DocumentFixture &operator=(const DocumentFixture &) = delete;
 
     void setBackgrounds(int w, int h)
     {
