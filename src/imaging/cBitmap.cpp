@@ -82,8 +82,20 @@ bool cBitmap::CreateFromScan0(int width, int height, int stride, const uchar *sc
     return !m_image.isNull();
 }
 
+// The built-in pictures live in the model library; a static library's resources must be
+// registered by hand before first use.
+void InitVarnoResources()
+{
+    static const bool done = [] {
+        Q_INIT_RESOURCE(varno);
+        return true;
+    }();
+    (void)done;
+}
+
 bool cBitmap::CreateFromResource(int resourceId)
 {
+    InitVarnoResources();
     setImage(QImage(QStringLiteral(":/custom/%1").arg(resourceId)));
     return !m_image.isNull();
 }

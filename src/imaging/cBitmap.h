@@ -19,6 +19,9 @@ enum RotateFlipType : int {
     Rotate270FlipX = 7,
 };
 
+// Registers the pictures built into the program (placeholder, toolbar, icons).
+void InitVarnoResources();
+
 class cBitmap {
 public:
     cBitmap() = default;

@@ -6,6 +6,7 @@
 #include "app/ui/QtDialogs.h"
 #include "app/ui/frmMDI.h"
 #include "imaging/ColorMatrix.h"
+#include "imaging/cBitmap.h"
 #include "imaging/cGDIP.h"
 
 #include <QApplication>
@@ -78,6 +79,7 @@ int VarnoMain(int argc, char *argv[])
     }
 
     QApplication app(argc, argv);
+    InitVarnoResources();
     QApplication::setApplicationName(QStringLiteral("Varno"));
     QApplication::setApplicationVersion(QStringLiteral(VARNO_VERSION));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/varno.png")));
