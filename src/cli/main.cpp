@@ -8,17 +8,15 @@
 #include "imaging/ColorMatrix.h"
 #include "imaging/cGDIP.h"
 
-#include <QGuiApplication>
+#include <QCoreApplication>
 #include <cstdio>
 
 int main(int argc, char *argv[])
 {
-    // Pictures are drawn in memory only; no display is ever needed.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
-    QGuiApplication::setApplicationName(QStringLiteral("varno-cli"));
-    SetAppPath(QGuiApplication::applicationDirPath());
+    // Pictures are only drawn into memory, so no display and no platform plugin is needed.
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("varno-cli"));
+    SetAppPath(QCoreApplication::applicationDirPath());
     setDialogs(&CliDialogs::instance());
 
     cGDIP gdip;
@@ -32,7 +30,7 @@ int main(int argc, char *argv[])
         return cli::Failure;
     }
     try {
-        return cli::run(QGuiApplication::arguments().mid(1));
+        return cli::run(QCoreApplication::arguments().mid(1));
     } catch (const rt::Error &e) {
         std::fprintf(stderr, "varno-cli: %s\n", qPrintable(e.message()));
     } catch (const std::exception &e) {
