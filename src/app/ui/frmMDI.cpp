@@ -5,7 +5,9 @@
 #include "app/Startup.h"
 #include "core/Dialogs.h"
 
+#include <QAction>
 #include <QCloseEvent>
+#include <QKeySequence>
 #include <QFileInfo>
 #include <QIcon>
 
@@ -14,6 +16,12 @@ frmMDI::frmMDI(QWidget *parent) : QMainWindow(parent)
     setWindowTitle(QStringLiteral("Varno"));
     setWindowIcon(QIcon(QStringLiteral(":/icons/varno.png")));
     resize(1280, 800);
+
+    auto *quit = new QAction(this);
+    quit->setShortcut(QKeySequence::Quit);
+    quit->setShortcutContext(Qt::ApplicationShortcut);
+    connect(quit, &QAction::triggered, this, &QWidget::close);
+    addAction(quit);
 }
 
 void frmMDI::RecentAdd(const QString &fileName)
