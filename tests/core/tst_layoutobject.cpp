@@ -63,23 +63,27 @@ private slots:
         }
     }
 
-    void angleOverflowIsLogged()
+    void updateErrorsAreLogged_data()
     {
-        ScriptedDialogs dlg;
-        ClearLoggedErrors();
-        auto o = make(0, 32500);
-        QCOMPARE(LoggedErrors(), QStringList{u"6: Overflow in nrmlObject.varnoObject_Update"_s});
-        QCOMPARE(dlg.messages.size(), 1);
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<int>("angle");
+        QTest::addColumn<QString>("logged");
+        QTest::newRow("angle + 360 overflows") << 0 << 32500 << "6: Overflow in nrmlObject.varnoObject_Update";
+        QTest::newRow("kind outside the catalogue")
+            << 61 << 0 << "9: Subscript out of range in ctrlObject.varnoObject_Update";
     }
-
-    void badKindIsLogged()
+    void updateErrorsAreLogged()
     {
+        QFETCH(int, kind);
+        QFETCH(int, angle);
+        QFETCH(QString, logged);
         ScriptedDialogs dlg;
         ClearLoggedErrors();
-        ctrlObject o;
-        o.setID(61);
-        o.Update(0, 10);
-        QCOMPARE(LoggedErrors(), QStringList{u"9: Subscript out of range in ctrlObject.varnoObject_Update"_s});
+        auto o = kind == 61 ? std::unique_ptr<varnoObject>(new ctrlObject) : CreateObjectForKind(kind);
+        o->setID(static_cast<int16_t>(kind));
+        o->Update(static_cast<int16_t>(angle), 10);
+        QCOMPARE(LoggedErrors(), QStringList{logged});
+        QCOMPARE(dlg.messages.size(), 1);
     }
 
     void pictureSizes_data()
@@ -249,23 +253,6 @@ private slots:
         QCOMPARE(canvas.GetPixelAlpha(50 + 31, 50), uint8_t(0));
     }
 
-    void cloneKeepsEverything()
-    {
-        auto o = make(59, 45, 7);
-        o->setX(12);
-        o->setY(-3);
-        o->setRouteIndex(2);
-        o->setSelected(true);
-        auto c = o->clone();
-        QCOMPARE(c->Key(), o->Key());
-        QCOMPARE(int(c->ID()), 59);
-        QCOMPARE(int(c->X()), 12);
-        QCOMPARE(int(c->Y()), -3);
-        QCOMPARE(int(c->Angle()), 45);
-        QCOMPARE(int(c->Width()), 7);
-        QCOMPARE(int(c->RouteIndex()), 2);
-        QVERIFY(c->Selected());
-    }
 };
 
 QTEST_MAIN(TestLayoutObject)
