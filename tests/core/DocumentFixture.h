@@ -1,47 +1,40 @@
 #pragma once
-// A temporary application folder with plain backgrounds of a chosen size for every
-// layout type, and helpers that build layout documents and file bytes by hand.
+// A temporary application folder with a plain background of one size for every layout
+// type, and helpers that build layout documents and file bytes by hand.
 
 #include "app/Language.h"
 #include "app/Startup.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutDocument.h"
+#include "core/Runtime.h"
 #include "support/TestSupport.h"
 
 #include <QImage>
 #include <QtEndian>
+#include <functional>
 #include <memory>
 
 struct DocumentFixture {
     Options previousOptions = options();
-    std::unique_ptr<TempAppFolder> app;
+    TempAppFolder app{false};
 
-    // Backgrounds of w x h pixels for all five types.
-    explicit DocumentFixture(int w = 1000, int h = 1000)
-        : app(std::make_unique<TempAppFolder>(false))
-    {
-        setBackgrounds(w, h);
-        // English texts: refusals and boxes are compared by their words.
-        options().Language = app->file(QStringLiteral("lang/English.lng"));
-        LoadLanguage();
-    }
-
-    ~DocumentFixture() { options() = previousOptions; }
-    DocumentFixture(const DocumentFixture &) = delete;
-    DocumentFixture &operator=(const DocumentFixture &) = delete;
-
-    void setBackgrounds(int w, int h)
+    explicit DocumentFixture(int w = 1000, int h = 800)
     {
         QImage bg(w, h, QImage::Format_RGB32);
         bg.fill(Qt::darkGray);
-        const QString path = app->file(QStringLiteral("bg_%1x%2.png").arg(w).arg(h));
+        const QString path = app.file(QStringLiteral("bg.png"));
         bg.save(path);
         options().AU1 = options().AU2 = options().AU34 = options().BL3 = path;
-        options().SaveFolder = app->file(QStringLiteral("layouts"));
+        options().SaveFolder = app.file(QStringLiteral("layouts"));
         options().RememberSaveFolder = true;
+        // English texts: refusals and boxes are compared by their words.
+        options().Language = app.file(QStringLiteral("lang/English.lng"));
+        LoadLanguage();
+        FillCatalogue();
     }
+    ~DocumentFixture() { options() = previousOptions; }
 
-    QString layoutPath(const QString &name) const { return app->file(QStringLiteral("layouts/") + name); }
+    QString layoutPath(const QString &name) const { return app.file(QStringLiteral("layouts/") + name); }
 
     // A document for a file name with its background loaded.
     std::unique_ptr<LayoutDocument> document(const QString &name) const
@@ -54,12 +47,38 @@ struct DocumentFixture {
 };
 
 // Convenience around the by-reference ObjectAdd.
-inline void addObject(LayoutDocument &doc, int id, int x, int y, int angle = 0, int width = 0, bool selected = false)
+inline void addObject(LayoutDocument &doc, int id, int x, int y, int angle = 0, int width = 0,
+                      bool selected = false, bool fromView = false)
 {
     int16_t a = int16_t(angle);
     uint8_t w = uint8_t(width);
-    bool fromView = false;
     doc.ObjectAdd(uint8_t(id), int16_t(x), int16_t(y), a, w, fromView, selected);
+}
+
+// The number of the run-time error fn raised, 0 when none.
+inline int errorOf(const std::function<void()> &fn)
+{
+    try {
+        fn();
+    } catch (const rt::Error &e) {
+        return e.number();
+    }
+    return 0;
+}
+
+// The objects (or only the selected ones) as "id@x,y aAngle wWidth; ...".
+inline QString objectsText(const LayoutDocument &doc, bool selectedOnly = false)
+{
+    QStringList out;
+    for (const varnoObject &o : doc.Objects())
+        if (o.Selected() || !selectedOnly)
+            out << QStringLiteral("%1@%2,%3 a%4 w%5")
+                       .arg(o.ID())
+                       .arg(o.X())
+                       .arg(o.Y())
+                       .arg(o.Angle())
+                       .arg(o.Width());
+    return out.join(QStringLiteral("; "));
 }
 
 inline QByteArray le16(int v)
@@ -69,16 +88,9 @@ inline QByteArray le16(int v)
     return b;
 }
 
-inline QByteArray lytHeader(int revision, int countLow, int countHigh, int laps)
+inline QByteArray lytHeader(int revision, int count, int laps)
 {
-    QByteArray h("LFSLYT", 6);
-    h += char(0);
-    h += char(revision);
-    h += char(countLow);
-    h += char(countHigh);
-    h += char(laps);
-    h += char(0);
-    return h;
+    return QByteArray("LFSLYT\0", 7) + char(revision) + le16(count) + char(laps) + char(0);
 }
 
 inline QByteArray lytRecord(int x, int y, int z, int flags, int index, int heading)
