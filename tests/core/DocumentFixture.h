@@ -9,10 +9,14 @@
 #include "core/Runtime.h"
 #include "support/TestSupport.h"
 
+#include "app/ErrorLog.h"
+
 #include <QImage>
+#include <QObject>
 #include <QtEndian>
 #include <functional>
 #include <memory>
+#include <optional>
 
 struct DocumentFixture {
     Options previousOptions = options();
@@ -97,3 +101,24 @@ inline QByteArray lytRecord(int x, int y, int z, int flags, int index, int headi
 {
     return le16(x) + le16(y) + char(z) + char(flags) + char(index) + char(heading);
 }
+
+// Shared set-up of the document suites: a 1000 x 800 application folder, and fresh
+// dialogs and an empty error list for every test function.
+class DocumentTest : public QObject {
+    Q_OBJECT
+protected:
+    DocumentFixture m_fx{1000, 800};
+    std::optional<ScriptedDialogs> m_dialogs;
+
+protected slots:
+    void init()
+    {
+        m_dialogs.emplace();
+        ClearLoggedErrors();
+        prepare();
+    }
+    void cleanup() { m_dialogs.reset(); }
+
+protected:
+    virtual void prepare() {}
+};

@@ -47,18 +47,10 @@ QString routeIndices(const LayoutDocument &doc)
 }
 } // namespace
 
-class TestLayoutDocument : public QObject {
+class TestLayoutDocument : public DocumentTest {
     Q_OBJECT
-    DocumentFixture m_fx{1000, 800};
-    std::optional<ScriptedDialogs> m_dialogs;
 
 private slots:
-    void init()
-    {
-        m_dialogs.emplace();
-        ClearLoggedErrors();
-    }
-    void cleanup() { m_dialogs.reset(); }
 
     // One object added to a 1000 x 800 layout after others: admitted, refused with the
     // message of a language slot, or a run-time error (negative) for the caller.

@@ -47,19 +47,14 @@ int crashChild(char **argv)
 }
 } // namespace
 
-class TestLayoutFile : public QObject {
+class TestLayoutFile : public DocumentTest {
     Q_OBJECT
-    DocumentFixture m_fx{1000, 800};
-    std::optional<ScriptedDialogs> m_dialogs;
-
-private slots:
-    void init()
+    void prepare() override
     {
-        m_dialogs.emplace();
-        ClearLoggedErrors();
         setSafeWriteHook(nullptr);
     }
-    void cleanup() { m_dialogs.reset(); }
+
+private slots:
 
     // Bytes opened as a 1000 x 800 layout: the objects that came in, and the one refusal
     // or logged error, if any.

@@ -24,18 +24,10 @@ QString packPath(const QString &name)
 }
 } // namespace
 
-class TestPackFile : public QObject {
+class TestPackFile : public DocumentTest {
     Q_OBJECT
-    DocumentFixture m_fx{1000, 800};
-    std::optional<ScriptedDialogs> m_dialogs;
 
 private slots:
-    void init()
-    {
-        m_dialogs.emplace();
-        ClearLoggedErrors();
-    }
-    void cleanup() { m_dialogs.reset(); }
 
     // The save dialog comes back until the name carries the layout's site.
     void writeNameRule_data()
