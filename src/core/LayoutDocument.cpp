@@ -238,6 +238,16 @@ bool LayoutDocument::LayoutLoadBG()
     return loaded;
 }
 
+void LayoutDocument::setBGName(const QString &name)
+{
+    const QString path = AppPath() + QStringLiteral("backgrounds") + QDir::separator() + name;
+    cBitmap picture;
+    if (!picture.LoadFromFile(path))
+        rt::raise(rt::InvalidPicture, path);
+    m_bgName = path;
+    m_background = std::move(picture);
+}
+
 // --- selection ---------------------------------------------------------------------
 
 void LayoutDocument::SelectionUpdate(bool Notify)
@@ -268,6 +278,12 @@ void LayoutDocument::SelectionUpdate(bool Notify)
         s.Y = rt::toInt16(static_cast<long long>(o.Y()) - box.top);
         list.append(s);
     }
+    // A different set of objects starts a new group rotation.
+    bool same = list.size() == m_selection.size();
+    for (qsizetype i = 0; same && i < list.size(); ++i)
+        same = list[i].strKey == m_selection[i].strKey;
+    if (!same)
+        m_groupAngle = 0;
     m_selection = std::move(list);
     m_bounds = box;
     if (Notify)

@@ -14,6 +14,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QPoint>
 #include <QString>
 #include <cstdint>
 #include <functional>
@@ -107,10 +108,14 @@ public:
     bool LayoutLoadBG();
     const cBitmap &Background() const { return m_background; }
     const QString &BGName() const { return m_bgName; }
+    // Loads the named picture from the backgrounds folder as the new background. The
+    // background scale and the start marker stay; error 481 when it is no picture.
+    void setBGName(const QString &name);
     float BackgroundScale() const { return m_backgroundScale; }
     // The type's default start position (ID 0), outside the collection; nullptr before
     // LayoutLoadBG.
-    const varnoObject *StartMarker() const { return m_startMarker.get(); }
+    // Drawing refreshes the marker's cached pictures, like the objects'.
+    varnoObject *StartMarker() const { return m_startMarker.get(); }
     int BoundsWidth() const { return m_background.Width(); }
     int BoundsHeight() const { return m_background.Height(); }
 
@@ -122,6 +127,27 @@ public:
     const SelectionBox &SelectionBounds() const { return m_bounds; }
     // Raises Updated, then ObjectUpdated with the unique flags.
     void RaiseUpdates();
+    // Marks every object selected (or none) and rebuilds the selection.
+    void SelectAll(bool selected = true);
+
+    // --- selection operations (they rebuild the selection and raise the updates) ----
+    // The rotation last applied to the selection as a group; back to 0 whenever the
+    // set of selected objects changes, so a new group turns by exactly the next step.
+    int16_t GroupAngle() const { return m_groupAngle; }
+    void setGroupAngle(int16_t angle) { m_groupAngle = angle; }
+    // Mirrors the selection about the middle of its bounds.
+    void SelectionFlip(bool Vertical);
+    // Turns one selected object to the angle, or a group about the centre of its bounds
+    // by the difference to GroupAngle.
+    void ObjectRotate(int32_t angle);
+    // Re-types every selected object at its place, angle and width; a refused object
+    // stays as it was.
+    void ObjectChange(uint8_t kind);
+    // Sets the width of the selected objects that have one.
+    void ObjectWidth(uint8_t width);
+    // Moves the selected objects, stopping at the layout's edges; returns how far they
+    // actually went.
+    QPoint MoveSelection(int32_t dx, int32_t dy);
 
     // --- undo ---------------------------------------------------------------------
     DocumentState snapshot() const;
@@ -172,4 +198,5 @@ private:
 
     QList<selObject> m_selection;
     SelectionBox m_bounds;
+    int16_t m_groupAngle = 0;
 };

@@ -20,6 +20,13 @@ void ViewGeometry::setBackground(int32_t width, int32_t height, int32_t span)
     resize();
 }
 
+void ViewGeometry::setBackgroundSize(int32_t width, int32_t height)
+{
+    m_bgWidth = width;
+    m_bgHeight = height;
+    resize();
+}
+
 void ViewGeometry::recomputeObjectScale()
 {
     m_objectScale = (4.0f / m_zoom) / (static_cast<float>(m_objectZoom) / 100.0f);

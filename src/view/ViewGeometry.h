@@ -26,6 +26,8 @@ public:
     int32_t clientHeight() const { return m_clientHeight; }
     // Background size (0 x 0 when none is loaded) and the type's span constant.
     void setBackground(int32_t width, int32_t height, int32_t span);
+    // A new picture of another size; the background scale stays as it was.
+    void setBackgroundSize(int32_t width, int32_t height);
     int32_t backgroundWidth() const { return m_bgWidth; }
     int32_t backgroundHeight() const { return m_bgHeight; }
 

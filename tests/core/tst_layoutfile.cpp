@@ -1,4 +1,4 @@
-#include "DocumentFixture.h"
+#include "support/DocumentFixture.h"
 
 #include "app/ErrorLog.h"
 #include "core/SafeWrite.h"

@@ -1,0 +1,99 @@
+#include "view/LayoutPainter.h"
+
+#include "core/LayoutDocument.h"
+#include "core/Runtime.h"
+#include "imaging/cGraphics.h"
+#include "view/ViewGeometry.h"
+
+#include <QPainter>
+
+CullRect CullingRect(const ViewGeometry &view)
+{
+    CullRect r;
+    r.left = rt::add32(view.ScrollX(), -CullMargin);
+    r.top = rt::add32(view.ScrollY(), -CullMargin);
+    r.right = rt::add32(rt::add32(view.ScrollX(), view.VisibleWidth()), CullMargin);
+    r.bottom = rt::add32(rt::add32(view.ScrollY(), view.VisibleHeight()), CullMargin);
+    return r;
+}
+
+// Stretching the background is by far the dearest part of a repaint, and it only
+// changes with the zoom, the scroll position or the window size. Between those the
+// stretched picture is kept and copied out, so moving objects, selecting and the tool
+// previews repaint at the cost of a copy.
+const QImage &LayoutPainter::stretchedBackground(const QImage &background, const ViewGeometry &view)
+{
+    const CacheKey key{background.cacheKey(), view.ScrollX(),     view.ScrollY(),       view.VisibleWidth(),
+                       view.VisibleHeight(),  view.ViewOffsetX(), view.ViewOffsetY(),   view.clientWidth(),
+                       view.clientHeight()};
+    if (!m_cache.isNull() && key == m_key)
+        return m_cache;
+    m_key = key;
+    const int w = std::max(1, view.clientWidth());
+    const int h = std::max(1, view.clientHeight());
+    m_cache = QImage(w, h, QImage::Format_ARGB32_Premultiplied);
+    if (m_cache.isNull())
+        return m_cache;
+    m_cache.fill(Qt::transparent);
+
+    // Source rectangle in picture pixels, destination the client area from the offset.
+    // Only the part of the source that lies on the picture is drawn, mapped onto the
+    // matching part of the destination, which is what stretching the whole rectangle
+    // with transparent surroundings would give.
+    const QRectF src(view.ScrollX(), view.ScrollY(), view.VisibleWidth(), view.VisibleHeight());
+    const QRectF dst(view.ViewOffsetX(), view.ViewOffsetY(), view.clientWidth(), view.clientHeight());
+    const QRectF onPicture = src.intersected(QRectF(0, 0, background.width(), background.height()));
+    if (onPicture.isEmpty() || src.width() <= 0 || src.height() <= 0)
+        return m_cache;
+    const double sx = dst.width() / src.width();
+    const double sy = dst.height() / src.height();
+    const QRectF target(dst.left() + (onPicture.left() - src.left()) * sx, dst.top() + (onPicture.top() - src.top()) * sy,
+                        onPicture.width() * sx, onPicture.height() * sy);
+    QPainter p(&m_cache);
+    p.setRenderHint(QPainter::SmoothPixmapTransform, true);
+    p.drawImage(target, background, onPicture);
+    return m_cache;
+}
+
+void LayoutPainter::DrawBackground(cGraphics &graphics, const LayoutDocument &doc, const ViewGeometry &view)
+{
+    QPainter *p = graphics.Handle();
+    const QImage &background = doc.Background().Handle();
+    if (!p || background.isNull())
+        return;
+    const QImage &stretched = stretchedBackground(background, view);
+    p->drawImage(0, 0, stretched);
+}
+
+int LayoutPainter::Draw(cGraphics &graphics, const LayoutDocument &doc, const ViewGeometry &view)
+{
+    graphics.SetInterpolationMode(InterpolationModeBilinear);
+    // Without a background there are no bounds, and nothing else is drawn either.
+    if (doc.Background().isNull())
+        return 0;
+    DrawBackground(graphics, doc, view);
+
+    int drawn = 0;
+    const float scale = view.ObjectScale();
+    if (!doc.Objects().isEmpty()) {
+        const CullRect cull = CullingRect(view);
+        for (varnoObject &o : doc.Objects()) {
+            if (!cull.contains(o.X(), o.Y()))
+                continue;
+            int32_t x = o.X();
+            int32_t y = o.Y();
+            view.layoutToView(x, y);
+            o.Draw(x, y, graphics, scale, nullptr);
+            ++drawn;
+        }
+    }
+    if (!doc.HasStart() && doc.StartMarker()) {
+        varnoObject &marker = *doc.StartMarker();
+        int32_t x = marker.X();
+        int32_t y = marker.Y();
+        view.layoutToView(x, y);
+        marker.Draw(x, y, graphics, scale, nullptr);
+        ++drawn;
+    }
+    return drawn;
+}

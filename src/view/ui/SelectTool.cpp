@@ -1,0 +1,133 @@
+#include "core/LayoutDocument.h"
+#include "view/HitTest.h"
+#include "view/ui/LayoutTool.h"
+#include "view/ui/frmLayout.h"
+
+#include <QPainter>
+#include <cmath>
+
+namespace {
+// A press that moves less than this is still a click.
+constexpr int DragThreshold = 3;
+enum { MergeMove = 5 };
+
+void selectOnly(LayoutDocument &doc, const QString &key)
+{
+    for (varnoObject &o : doc.Objects())
+        o.setSelected(false);
+    if (varnoObject *o = doc.Objects().Find(key))
+        o->setSelected(true);
+}
+
+void announce(LayoutDocument &doc)
+{
+    doc.SelectionUpdate(true);
+    doc.RaiseUpdates();
+}
+} // namespace
+
+void SelectTool::press(const ToolEvent &e)
+{
+    if (e.button != Qt::LeftButton)
+        return;
+    LayoutDocument &doc = m_layout.document();
+    m_from = m_to = e.pos;
+    m_moved = QPoint();
+    m_adding = e.modifiers & (Qt::ShiftModifier | Qt::ControlModifier);
+    m_layout.breakMerge();
+    const QString hit = ObjectAtPoint(doc, m_layout.view(), e.pos.x(), e.pos.y());
+    m_hitKey = hit;
+    if (hit.isEmpty()) {
+        if (!m_adding && !doc.Selection().isEmpty()) {
+            doc.SelectAll(false);
+        }
+        m_mode = Boxing;
+        return;
+    }
+    varnoObject &o = doc.Objects().Item(hit);
+    if (m_adding) {
+        o.setSelected(!o.Selected());
+        announce(doc);
+        m_mode = o.Selected() ? Pending : Idle;
+        return;
+    }
+    if (!o.Selected()) {
+        selectOnly(doc, hit);
+        announce(doc);
+    }
+    m_mode = Pending;
+}
+
+void SelectTool::move(const ToolEvent &e)
+{
+    if (!(e.buttons & Qt::LeftButton) || m_mode == Idle)
+        return;
+    m_to = e.pos;
+    if (m_mode == Pending) {
+        if ((e.pos - m_from).manhattanLength() < DragThreshold)
+            return;
+        m_mode = Moving;
+        m_layout.breakMerge();
+        m_mergeKey = m_layout.mergeKeyFor(MergeMove);
+    }
+    if (m_mode == Moving) {
+        const float zoom = m_layout.view().Zoom();
+        const QPoint total(int(std::lround((e.pos.x() - m_from.x()) / zoom)),
+                           int(std::lround((e.pos.y() - m_from.y()) / zoom)));
+        const QPoint step = total - m_moved;
+        if (step.isNull())
+            return;
+        LayoutDocument &doc = m_layout.document();
+        m_layout.record(QStringLiteral("Move"), m_mergeKey, [&] { m_moved += doc.MoveSelection(step.x(), step.y()); });
+    }
+}
+
+void SelectTool::release(const ToolEvent &e)
+{
+    if (e.button != Qt::LeftButton)
+        return;
+    LayoutDocument &doc = m_layout.document();
+    switch (m_mode) {
+    case Pending:
+        // A plain click on a member of a group picks that one object.
+        if (!m_adding && doc.Selection().size() > 1) {
+            selectOnly(doc, m_hitKey);
+            announce(doc);
+        }
+        break;
+    case Moving:
+        m_layout.breakMerge();
+        announce(doc);
+        break;
+    case Boxing: {
+        int32_t x1 = m_from.x(), y1 = m_from.y(), x2 = e.pos.x(), y2 = e.pos.y();
+        m_layout.view().viewToLayout(x1, y1);
+        m_layout.view().viewToLayout(x2, y2);
+        if ((e.pos - m_from).manhattanLength() >= DragThreshold) {
+            const QStringList keys = ObjectsInBox(doc, QRect(QPoint(x1, y1), QPoint(x2, y2)));
+            if (!m_adding) {
+                for (varnoObject &o : doc.Objects())
+                    o.setSelected(false);
+            }
+            for (const QString &k : keys)
+                doc.Objects().Item(k).setSelected(true);
+            announce(doc);
+        }
+        break;
+    }
+    case Idle: break;
+    }
+    m_mode = Idle;
+}
+
+void SelectTool::paintOverlay(QPainter &p)
+{
+    if (m_mode != Boxing)
+        return;
+    const QRect box = QRect(m_from, m_to).normalized();
+    p.save();
+    p.setPen(QPen(QColor(255, 255, 255, 220), 1, Qt::DashLine));
+    p.setBrush(QColor(80, 160, 255, 48));
+    p.drawRect(box);
+    p.restore();
+}

@@ -1,0 +1,194 @@
+// Flipping, rotating, re-typing, widths and moving of the selection.
+
+#include "support/DocumentFixture.h"
+
+#include <QtTest>
+
+namespace {
+void selectIndices(LayoutDocument &doc, std::initializer_list<int> indices)
+{
+    for (varnoObject &o : doc.Objects())
+        o.setSelected(false);
+    for (int i : indices)
+        doc.Objects().At(i).setSelected(true);
+    doc.SelectionUpdate(false);
+}
+} // namespace
+
+class TestSelectionOps : public DocumentTest {
+    Q_OBJECT
+    std::unique_ptr<LayoutDocument> m_doc;
+
+    void prepare() override { m_doc = m_fx.document(QStringLiteral("AU1_ops.lyt")); }
+
+private slots:
+    void flip_data()
+    {
+        QTest::addColumn<bool>("vertical");
+        QTest::addColumn<QString>("expected");
+        // Bounds 100..200 across and 300..400 down; the mirror axis is their middle.
+        QTest::newRow("horizontal") << false << "20@180,300 a150 w0; 20@100,400 a-170 w0; 20@200,350 a90 w0";
+        QTest::newRow("vertical") << true << "20@120,400 a-30 w0; 20@200,300 a10 w0; 20@100,350 a-90 w0";
+    }
+    void flip()
+    {
+        QFETCH(bool, vertical);
+        QFETCH(QString, expected);
+        addObject(*m_doc, 20, 120, 300, 30);
+        addObject(*m_doc, 20, 200, 400, -10);
+        addObject(*m_doc, 20, 100, 350, 90);
+        selectIndices(*m_doc, {0, 1, 2});
+        const QString before = objectsText(*m_doc);
+        m_doc->setEdited(false);
+        m_doc->SelectionFlip(vertical);
+        QCOMPARE(objectsText(*m_doc), expected);
+        QVERIFY(m_doc->Edited());
+        // The bounds are the same after the first flip, so a second one restores all.
+        m_doc->SelectionFlip(vertical);
+        QCOMPARE(objectsText(*m_doc), before);
+    }
+
+    void rotate_data()
+    {
+        QTest::addColumn<QList<int>>("angles"); // successive ObjectRotate calls
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("90 turns about the middle") << QList<int>{90} << "20@150,150 a90 w0; 20@150,50 a90 w0";
+        QTest::newRow("the same angle again does nothing") << QList<int>{90, 90} << "20@150,150 a90 w0; 20@150,50 a90 w0";
+        QTest::newRow("back to 0") << QList<int>{90, 0} << "20@100,100 a0 w0; 20@200,100 a0 w0";
+        QTest::newRow("180") << QList<int>{180} << "20@200,100 a180 w0; 20@100,100 a180 w0";
+        // Six 15-degree steps land on the same places as one quarter turn here, with
+        // every intermediate position rounded.
+        QTest::newRow("in 15 degree steps") << QList<int>{15, 30, 45, 60, 75, 90}
+                                            << "20@150,150 a90 w0; 20@150,50 a90 w0";
+        QTest::newRow("-45 rounds each position")
+            << QList<int>{-45} << "20@115,65 a-45 w0; 20@185,135 a-45 w0";
+    }
+    void rotate()
+    {
+        QFETCH(QList<int>, angles);
+        QFETCH(QString, expected);
+        addObject(*m_doc, 20, 100, 100);
+        addObject(*m_doc, 20, 200, 100);
+        selectIndices(*m_doc, {0, 1});
+        for (int a : angles)
+            m_doc->ObjectRotate(a);
+        QCOMPARE(objectsText(*m_doc), expected);
+        QCOMPARE(m_doc->GroupAngle(), int16_t(angles.last()));
+    }
+
+    void singleObjectTurnsInPlace()
+    {
+        addObject(*m_doc, 20, 100, 100, 10);
+        addObject(*m_doc, 20, 300, 300, 10);
+        selectIndices(*m_doc, {1});
+        m_doc->setGroupAngle(40); // a stale group angle must not matter for one object
+        m_doc->ObjectRotate(-135);
+        QCOMPARE(objectsText(*m_doc), QStringLiteral("20@100,100 a10 w0; 20@300,300 a-135 w0"));
+    }
+
+    // A new selection starts from group angle 0, so +15 from the edit bar's reset box
+    // turns the new group by exactly 15 degrees and not by what the last group had.
+    void groupAngleResetsWithTheSelection()
+    {
+        addObject(*m_doc, 20, 100, 100);
+        addObject(*m_doc, 20, 200, 100);
+        addObject(*m_doc, 20, 400, 400);
+        addObject(*m_doc, 20, 500, 400);
+        selectIndices(*m_doc, {0, 1});
+        m_doc->ObjectRotate(90);
+        QCOMPARE(m_doc->GroupAngle(), int16_t(90));
+        m_doc->SelectionUpdate(false); // same objects: the reference stays
+        QCOMPARE(m_doc->GroupAngle(), int16_t(90));
+        selectIndices(*m_doc, {2, 3});
+        QCOMPARE(m_doc->GroupAngle(), int16_t(0));
+        m_doc->ObjectRotate(15);
+        QCOMPARE(m_doc->Objects().At(2).Angle(), int16_t(15));
+        QCOMPARE(m_doc->Objects().At(3).Angle(), int16_t(15));
+    }
+
+    void overflowReachesTheCaller()
+    {
+        addObject(*m_doc, 20, 100, 100, 0);
+        addObject(*m_doc, 20, 200, 100, 0);
+        selectIndices(*m_doc, {0, 1});
+        QCOMPARE(errorOf([&] { m_doc->ObjectRotate(40000); }), int(rt::Overflow));
+    }
+
+    void change_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("expected");
+        QTest::addColumn<QString>("message");
+        // Objects: cone at 100,100 (selected), start at 300,300, cone at 500,500 (selected).
+        QTest::newRow("cone to tyre keeps place, angle and order")
+            << 31 << "31@100,100 a45 w0; 0@300,300 a0 w0; 31@500,500 a-90 w0" << "";
+        QTest::newRow("a second start is refused and the rest still change")
+            << 0 << "20@100,100 a45 w0; 0@300,300 a0 w0; 20@500,500 a-90 w0"
+            << "Unique object already in layout, cannot add";
+        QTest::newRow("finish gets a width") << 1 << "1@100,100 a45 w10; 0@300,300 a0 w0; 20@500,500 a-90 w0"
+                                             << "Unique object already in layout, cannot add";
+        QTest::newRow("a kind of the other site is refused")
+            << 54 << "20@100,100 a45 w0; 0@300,300 a0 w0; 20@500,500 a-90 w0"
+            << "Object not allowed in this layout type, cannot add";
+    }
+    void change()
+    {
+        QFETCH(int, kind);
+        QFETCH(QString, expected);
+        QFETCH(QString, message);
+        QStringList messages;
+        connect(m_doc.get(), &LayoutDocument::Message, this,
+                [&](bool, int16_t, int16_t, const QString &t) { messages << t; });
+        addObject(*m_doc, 20, 100, 100, 45, 0, true);
+        addObject(*m_doc, 0, 300, 300);
+        addObject(*m_doc, 20, 500, 500, -90, 0, true);
+        m_doc->SelectionUpdate(false);
+        m_doc->ObjectChange(uint8_t(kind));
+        QCOMPARE(objectsText(*m_doc), expected);
+        QCOMPARE(messages.isEmpty() ? QString() : messages.last(), message);
+        QCOMPARE(m_doc->Selection().size(), 2);
+    }
+
+    void widthOnlyForObjectsThatHaveOne()
+    {
+        addObject(*m_doc, 1, 100, 100, 0, 12, true);
+        addObject(*m_doc, 20, 200, 200, 0, 0, true);
+        addObject(*m_doc, 57, 300, 300, 0, 10, false);
+        m_doc->SelectionUpdate(false);
+        m_doc->ObjectWidth(30);
+        m_doc->ObjectWidth(0); // ignored: a line never loses its width
+        QCOMPARE(objectsText(*m_doc), QStringLiteral("1@100,100 a0 w30; 20@200,200 a0 w0; 57@300,300 a0 w10"));
+    }
+
+    void move_data()
+    {
+        QTest::addColumn<int>("dx");
+        QTest::addColumn<int>("dy");
+        QTest::addColumn<QPoint>("moved");
+        // Selection spans 10..900 across and 20..700 down on a 1000 x 800 layout.
+        QTest::newRow("inside") << 50 << -5 << QPoint(50, -5);
+        QTest::newRow("stops at the right edge") << 500 << 0 << QPoint(100, 0);
+        QTest::newRow("stops at the left edge") << -50 << 0 << QPoint(-9, 0);
+        QTest::newRow("stops at the top and bottom") << 0 << -100 << QPoint(0, -19);
+        QTest::newRow("bottom") << 3 << 1000 << QPoint(3, 100);
+    }
+    void move()
+    {
+        QFETCH(int, dx);
+        QFETCH(int, dy);
+        QFETCH(QPoint, moved);
+        addObject(*m_doc, 20, 10, 20, 0, 0, true);
+        addObject(*m_doc, 20, 900, 700, 0, 0, true);
+        addObject(*m_doc, 20, 500, 500);
+        m_doc->SelectionUpdate(false);
+        QCOMPARE(m_doc->MoveSelection(dx, dy), moved);
+        QCOMPARE(objectsText(*m_doc), QStringLiteral("20@%1,%2 a0 w0; 20@%3,%4 a0 w0; 20@500,500 a0 w0")
+                                          .arg(10 + moved.x())
+                                          .arg(20 + moved.y())
+                                          .arg(900 + moved.x())
+                                          .arg(700 + moved.y()));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSelectionOps)
+#include "tst_selectionops.moc"

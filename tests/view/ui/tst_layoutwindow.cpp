@@ -1,0 +1,461 @@
+// The document window driven as a user drives it: keys, mouse tools, undo and paint.
+
+#include "WindowFixture.h"
+
+#include "imaging/cBitmap.h"
+#include "core/LayoutDocument.h"
+
+#include <QSignalSpy>
+
+namespace {
+
+// "Ctrl+Shift+A Del Num+Plus": key clicks with their modifiers.
+void keys(frmLayout &w, const QString &script)
+{
+    static const QHash<QString, Qt::Key> names{
+        {"Del", Qt::Key_Delete},   {"Left", Qt::Key_Left},   {"Right", Qt::Key_Right},
+        {"Up", Qt::Key_Up},        {"Down", Qt::Key_Down},   {"Plus", Qt::Key_Plus},
+        {"Equal", Qt::Key_Equal},  {"Minus", Qt::Key_Minus}, {"Comma", Qt::Key_Comma},
+        {"Period", Qt::Key_Period}, {"Less", Qt::Key_Less},  {"Backspace", Qt::Key_Backspace},
+        {"Esc", Qt::Key_Escape}};
+    for (const QString &token : script.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        Qt::KeyboardModifiers mods;
+        const QStringList parts = token.split(QLatin1Char('+'));
+        for (int i = 0; i < parts.size() - 1; ++i) {
+            const QString &m = parts[i];
+            mods |= m == "Ctrl" ? Qt::ControlModifier : m == "Shift" ? Qt::ShiftModifier
+                  : m == "Alt"  ? Qt::AltModifier     : Qt::KeypadModifier;
+        }
+        const QString &k = parts.last();
+        const Qt::Key key = names.contains(k) ? names.value(k) : Qt::Key(Qt::Key_A + (k.at(0).unicode() - 'A'));
+        QTest::keyClick(w.canvas(), key, mods);
+    }
+}
+
+// Everything undo must bring back, keys and route numbers included.
+QString fullState(const LayoutDocument &doc)
+{
+    QStringList out;
+    for (const varnoObject &o : doc.Objects())
+        out << QStringLiteral("%1=%2@%3,%4a%5w%6r%7").arg(o.Key()).arg(o.ID()).arg(o.X()).arg(o.Y()).arg(o.Angle())
+                   .arg(o.Width()).arg(o.RouteIndex());
+    out << QStringLiteral("laps %1 marshalls %2 flags %3%4%5%6%7")
+               .arg(doc.Laps()).arg(doc.MarshallCount()).arg(doc.HasStart()).arg(doc.HasCheckpoint1())
+               .arg(doc.HasCheckpoint2()).arg(doc.HasCheckpoint3()).arg(doc.HasFinish());
+    return out.join(QStringLiteral("; "));
+}
+
+// True when a pixel near p differs from the plain ground (small pictures have
+// transparent middles).
+bool paintedAround(const QImage &img, const QPoint &p)
+{
+    for (int dy = -4; dy <= 4; ++dy)
+        for (int dx = -4; dx <= 4; ++dx)
+            if (QColor(img.pixel(p + QPoint(dx, dy))) != FixtureGround)
+                return true;
+    return false;
+}
+
+} // namespace
+
+class TestLayoutWindow : public QObject {
+    Q_OBJECT
+    std::optional<WindowFixture> m_fx;
+    std::unique_ptr<frmLayout> m_w;
+
+    // Cone A at 200,200 (selected), cone B at 300,200, pointer at 400,300.
+    void standard()
+    {
+        addTo(*m_w, 20, 200, 200, 0, 0, true);
+        addTo(*m_w, 20, 300, 200);
+        m_w->PointerMove(Qt::NoButton, Qt::NoModifier, viewOf(*m_w, 400, 300));
+    }
+
+private slots:
+    void init()
+    {
+        m_fx.emplace();
+        m_w = m_fx->window(QStringLiteral("AU1_window.lyt"));
+        QVERIFY(m_w);
+    }
+    void cleanup()
+    {
+        m_w.reset();
+        m_fx.reset();
+    }
+
+    void initilize_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("ok");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("new AU2") << "AU2_fresh.lyt" << true << "";
+        QTest::newRow("unknown type") << "XYZ_fresh.lyt" << false
+                                      << "XYZ\r\nUnsupported layout. Currently only AU1, AU2, AU3, AU4 and BL3 are supported.";
+    }
+    void initilize()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, ok);
+        QFETCH(QString, message);
+        frmLayout w;
+        QCOMPARE(w.Initilize(m_fx->layoutPath(name)), ok);
+        QCOMPARE(m_fx->dialogs.messages.isEmpty() ? QString() : m_fx->dialogs.messages.last().text, message);
+        if (ok) {
+            QCOMPARE(w.LayoutType(), name.left(3));
+            QCOMPARE(w.ObjectCount(), int16_t(0));
+            QVERIFY(!w.Edited());
+        }
+    }
+
+    void keyTable_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<QString>("objects");
+        QTest::addColumn<float>("zoom"); // 0: unchanged; -87 / -72: fitted to width / height
+        QTest::addColumn<int>("tool");
+        QTest::addColumn<int>("spacing");
+        const QString start = "20@200,200 a0 w0*; 20@300,200 a0 w0";
+        QTest::newRow("Ctrl+A") << "Ctrl+A" << "20@200,200 a0 w0*; 20@300,200 a0 w0*" << 0.f << 0 << 20;
+        QTest::newRow("Ctrl+Shift+A does nothing") << "Ctrl+Shift+A" << start << 0.f << 0 << 20;
+        QTest::newRow("paste before any copy deselects")
+            << "Ctrl+V" << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0.f << 0 << 20;
+        QTest::newRow("copy, paste at the pointer")
+            << "Ctrl+C Ctrl+V" << "20@200,200 a0 w0; 20@300,200 a0 w0; 20@400,300 a0 w0*" << 0.f << 0 << 20;
+        QTest::newRow("a group is pasted centred on the pointer")
+            << "Ctrl+A Ctrl+C Ctrl+V"
+            << "20@200,200 a0 w0; 20@300,200 a0 w0; 20@350,300 a0 w0*; 20@450,300 a0 w0*" << 0.f << 0 << 20;
+        QTest::newRow("Delete") << "Del" << "20@300,200 a0 w0" << 0.f << 0 << 20;
+        QTest::newRow("Ctrl+Shift+Delete still deletes") << "Ctrl+Shift+Del" << "20@300,200 a0 w0" << 0.f << 0 << 20;
+        QTest::newRow("duplicate one: at the pointer")
+            << "Ctrl+D" << "20@200,200 a0 w0; 20@300,200 a0 w0; 20@400,300 a0 w0*" << 0.f << 0 << 20;
+        QTest::newRow("duplicate a group: 50 right and down")
+            << "Ctrl+A Ctrl+D"
+            << "20@200,200 a0 w0; 20@300,200 a0 w0; 20@250,250 a0 w0*; 20@350,250 a0 w0*" << 0.f << 0 << 20;
+        QTest::newRow("Ctrl+W fits the width") << "Ctrl+W" << start << -87.f << 0 << 20;
+        QTest::newRow("Ctrl+H fits the height") << "Ctrl+H" << start << -72.f << 0 << 20;
+        QTest::newRow("Ctrl+Z is the zoom tool") << "Ctrl+Z" << start << 0.f << 6 << 20;
+        QTest::newRow("Ctrl+L") << "Ctrl+L" << start << 0.f << 13 << 20;
+        QTest::newRow("Ctrl+M") << "Ctrl+M" << start << 0.f << 12 << 20;
+        QTest::newRow("Shift+Ctrl+M is no tool") << "Ctrl+Shift+M" << start << 0.f << 0 << 20;
+        QTest::newRow("keypad +") << "Num+Plus" << start << 2.f << 0 << 20;
+        QTest::newRow("= key, any modifier") << "Shift+Equal" << start << 2.f << 0 << 20;
+        QTest::newRow("- key") << "Minus" << start << .5f << 0 << 20;
+        QTest::newRow("keypad - twice") << "Num+Minus Num+Minus" << start << .25f << 0 << 20;
+        QTest::newRow(", narrows the line") << "Comma Less" << start << 0.f << 0 << 18;
+        QTest::newRow(". widens the line") << "Period Ctrl+Period" << start << 0.f << 0 << 22;
+        QTest::newRow("arrow nudges by one") << "Right Up" << "20@201,199 a0 w0*; 20@300,200 a0 w0" << 0.f << 0 << 20;
+        QTest::newRow("Shift+arrow by ten") << "Shift+Down" << "20@200,210 a0 w0*; 20@300,200 a0 w0" << 0.f << 0 << 20;
+        QTest::newRow("Alt+Backspace undoes") << "Del Alt+Backspace" << start << 0.f << 0 << 20;
+        QTest::newRow("Ctrl+Y redoes") << "Del Alt+Backspace Ctrl+Y" << "20@300,200 a0 w0" << 0.f << 0 << 20;
+        QTest::newRow("Ctrl+Shift+Z redoes") << "Del Alt+Backspace Ctrl+Shift+Z" << "20@300,200 a0 w0" << 0.f << 0 << 20;
+        QTest::newRow("Ctrl+Z does not undo") << "Del Ctrl+Z" << "20@300,200 a0 w0" << 0.f << 6 << 20;
+        QTest::newRow("Escape clears the selection") << "Esc" << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0.f << 0 << 20;
+    }
+    void keyTable()
+    {
+        QFETCH(QString, script);
+        QFETCH(QString, objects);
+        QFETCH(float, zoom);
+        QFETCH(int, tool);
+        QFETCH(int, spacing);
+        standard();
+        keys(*m_w, script);
+        QCOMPARE(describe(m_w->document()), objects);
+        const ViewGeometry &v = m_w->view();
+        const float expectedZoom = zoom == 0.f    ? 1.f
+            : zoom == -87.f ? float(v.clientWidth()) / 1000.f
+            : zoom == -72.f ? float(v.clientHeight()) / 800.f
+                            : zoom;
+        QCOMPARE(m_w->Zoom(), expectedZoom);
+        QCOMPARE(m_w->Tool(), tool);
+        QCOMPARE(int(m_w->LineSpacing()), spacing);
+        QVERIFY2(LoggedErrors().isEmpty(), qPrintable(LoggedErrors().join('\n')));
+    }
+
+    void deleteOnEmptySelectionStillNotifies()
+    {
+        addTo(*m_w, 20, 200, 200);
+        QSignalSpy updated(m_w.get(), &frmLayout::Updated);
+        QSignalSpy objectUpdated(m_w.get(), &frmLayout::ObjectUpdated);
+        keys(*m_w, "Del");
+        QCOMPARE(m_w->ObjectCount(), int16_t(1));
+        QVERIFY(updated.count() >= 1);
+        QCOMPARE(objectUpdated.count(), 1);
+        QVERIFY(!m_w->undoStack()->canUndo());
+    }
+
+    // The clipboard is the program's: a BL3 window pastes what AU1 copied, and only the
+    // kinds its site has.
+    void pasteIntoTheOtherSite()
+    {
+        addTo(*m_w, 20, 200, 200, 0, 0, true); // cone: both sites
+        addTo(*m_w, 44, 260, 200, 0, 0, true); // post: AU only
+        keys(*m_w, "Ctrl+C");
+        m_w.reset(); // the clipboard outlives the window it came from
+        auto bl = m_fx->window(QStringLiteral("BL3_other.lyt"));
+        QVERIFY(bl);
+        QStringList messages;
+        connect(bl.get(), &frmLayout::Message, this, [&](bool refusal, int16_t, int16_t, const QString &t) {
+            if (refusal)
+                messages << t;
+        });
+        bl->PointerMove(Qt::NoButton, Qt::NoModifier, viewOf(*bl, 500, 400));
+        keys(*bl, "Ctrl+V");
+        QCOMPARE(describe(bl->document()), QStringLiteral("20@470,400 a0 w0*"));
+        QCOMPARE(messages, QStringList{"Object not allowed in this layout type, cannot add"});
+    }
+
+    void selectTool_data()
+    {
+        QTest::addColumn<QString>("gesture");
+        QTest::addColumn<QString>("objects");
+        QTest::addColumn<int>("undoSteps");
+        QTest::newRow("click picks the object") << "click B" << "20@200,200 a0 w0; 20@300,200 a0 w0*" << 0;
+        QTest::newRow("shift-click adds") << "shift B" << "20@200,200 a0 w0*; 20@300,200 a0 w0*" << 0;
+        QTest::newRow("ctrl-click removes") << "ctrl A" << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0;
+        QTest::newRow("click on the ground clears") << "click ground" << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0;
+        QTest::newRow("box selects") << "box" << "20@200,200 a0 w0*; 20@300,200 a0 w0*" << 0;
+        QTest::newRow("drag moves the selection as one step")
+            << "drag A" << "20@240,230 a0 w0*; 20@300,200 a0 w0" << 1;
+        QTest::newRow("a drag stops at the edge") << "drag far" << "20@1,200 a0 w0*; 20@300,200 a0 w0" << 1;
+        QTest::newRow("middle drag pans and selects nothing") << "pan" << "20@200,200 a0 w0*; 20@300,200 a0 w0" << 0;
+    }
+    void selectTool()
+    {
+        QFETCH(QString, gesture);
+        QFETCH(QString, objects);
+        QFETCH(int, undoSteps);
+        standard();
+        const QPoint a = viewOf(*m_w, 200, 200);
+        const QPoint b = viewOf(*m_w, 300, 200);
+        QVERIFY(m_w->document().Objects().At(0).image().GetPixelAlpha(
+                    m_w->document().Objects().At(0).image().Width() / 2,
+                    m_w->document().Objects().At(0).image().Height() / 2) > 0);
+        m_w->view().setScroll(0, 50);
+        m_w->syncScrollBars();
+        const QPoint shift(-50, 0);
+        if (gesture == "click B")
+            click(*m_w, b + shift);
+        else if (gesture == "shift B")
+            click(*m_w, b + shift, Qt::LeftButton, Qt::ShiftModifier);
+        else if (gesture == "ctrl A")
+            click(*m_w, a + shift, Qt::LeftButton, Qt::ControlModifier);
+        else if (gesture == "click ground")
+            click(*m_w, viewOf(*m_w, 500, 500));
+        else if (gesture == "box")
+            drag(*m_w, viewOf(*m_w, 150, 150), viewOf(*m_w, 350, 250));
+        else if (gesture == "drag A")
+            drag(*m_w, a + shift, a + shift + QPoint(40, 30));
+        else if (gesture == "drag far")
+            drag(*m_w, a + shift, a + shift + QPoint(-250, 0));
+        else if (gesture == "pan") {
+            drag(*m_w, viewOf(*m_w, 500, 500), viewOf(*m_w, 520, 500), Qt::MiddleButton);
+            QCOMPARE(m_w->view().ScrollX(), 30);
+        }
+        QCOMPARE(describe(m_w->document()), objects);
+        QCOMPARE(m_w->undoStack()->count(), undoSteps);
+        if (undoSteps) {
+            m_w->Undo();
+            QCOMPARE(describe(m_w->document()), QStringLiteral("20@200,200 a0 w0*; 20@300,200 a0 w0"));
+        }
+    }
+
+    void measureTool_data()
+    {
+        QTest::addColumn<QPoint>("to");
+        QTest::addColumn<bool>("ctrl");
+        QTest::addColumn<QString>("text");
+        // The 1000-pixel test picture stands for the 1630 units of AU1.
+        QTest::newRow("57 pixels") << QPoint(157, 100) << false << "Distance: 16.3m";
+        QTest::newRow("Ctrl snaps to 15 degrees") << QPoint(157, 104) << true << "Distance: 16.3m";
+        QTest::newRow("diagonal") << QPoint(140, 130) << false << "Distance: 14.3m";
+    }
+    void measureTool()
+    {
+        QFETCH(QPoint, to);
+        QFETCH(bool, ctrl);
+        QFETCH(QString, text);
+        QStringList hints;
+        connect(m_w.get(), &frmLayout::Message, this,
+                [&](bool refusal, int16_t, int16_t, const QString &t) { if (!refusal) hints << t; });
+        m_w->setTool(ToolMeasure);
+        QCOMPARE(hints.last(), QStringLiteral("Click and drag to measure distance"));
+        drag(*m_w, viewOf(*m_w, 100, 100), viewOf(*m_w, to.x(), to.y()), Qt::LeftButton,
+             ctrl ? Qt::ControlModifier : Qt::NoModifier);
+        QCOMPARE(hints.last(), text);
+        QCOMPARE(m_w->undoStack()->count(), 0);
+    }
+
+    void lineTool()
+    {
+        standard();
+        QStringList hints;
+        connect(m_w.get(), &frmLayout::Message, this,
+                [&](bool refusal, int16_t, int16_t, const QString &t) { if (!refusal) hints << t; });
+        keys(*m_w, "Ctrl+L");
+        QCOMPARE(hints.last(), QStringLiteral("Click and drag to create a line of objects"));
+        drag(*m_w, viewOf(*m_w, 100, 400), viewOf(*m_w, 205, 400));
+        QCOMPARE(describe(m_w->document()),
+                 QStringLiteral("20@200,200 a0 w0*; 20@300,200 a0 w0; 20@100,400 a0 w0; 20@120,400 a0 w0; "
+                                "20@140,400 a0 w0; 20@160,400 a0 w0; 20@180,400 a0 w0; 20@200,400 a0 w0"));
+        QCOMPARE(m_w->undoStack()->count(), 1);
+        // Without a single selected object a press picks one instead.
+        keys(*m_w, "Ctrl+A");
+        click(*m_w, viewOf(*m_w, 300, 200));
+        QCOMPARE(m_w->document().Selection().size(), 1);
+        QCOMPARE(m_w->undoStack()->count(), 1);
+        // , and . change the spacing while dragging. They replay the last pointer move
+        // without modifiers, so the line follows the pointer itself again.
+        const QPoint from = viewOf(*m_w, 100, 600);
+        mouse(*m_w, QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton, Qt::ControlModifier);
+        mouse(*m_w, QEvent::MouseMove, viewOf(*m_w, 160, 603), Qt::NoButton, Qt::LeftButton, Qt::ControlModifier);
+        keys(*m_w, "Period Period Period Period Period Period Period Period Period Period");
+        QCOMPARE(hints.last(), QStringLiteral("Hold Ctrl to constrain to 15\u00b0 increments, use < and > to change spacing"));
+        mouse(*m_w, QEvent::MouseButtonRelease, viewOf(*m_w, 160, 603), Qt::LeftButton, Qt::NoButton);
+        QCOMPARE(describe(m_w->document()).section(QStringLiteral("; "), 8),
+                 QStringLiteral("20@100,600 a0 w0; 20@130,601 a0 w0; 20@160,603 a0 w0"));
+    }
+
+    void zoomTool()
+    {
+        m_w->view().setScroll(0, 100);
+        m_w->view().setScroll(1, 100);
+        m_w->syncScrollBars();
+        keys(*m_w, "Ctrl+Z");
+        const QPoint at(200, 150);
+        int32_t lx = at.x(), ly = at.y();
+        m_w->view().viewToLayout(lx, ly);
+        click(*m_w, at);
+        QCOMPARE(m_w->Zoom(), 2.0f);
+        int32_t after_x = at.x(), after_y = at.y();
+        m_w->view().viewToLayout(after_x, after_y);
+        QCOMPARE(QPoint(after_x, after_y), QPoint(lx, ly)); // the point stays under the pointer
+        click(*m_w, at, Qt::RightButton);
+        QCOMPARE(m_w->Zoom(), 1.0f);
+        // A box of 100 x 50 units fits the window.
+        drag(*m_w, viewOf(*m_w, 300, 300), viewOf(*m_w, 400, 350));
+        const ViewGeometry &v = m_w->view();
+        QCOMPARE(m_w->Zoom(), std::min(v.clientWidth() / 100.f, v.clientHeight() / 50.f));
+    }
+
+    void undoRedo_data()
+    {
+        QTest::addColumn<QString>("change");
+        for (const char *c : {"add", "remove", "remove checker", "move", "nudge", "rotate", "flip", "change kind",
+                              "width", "laps", "paste", "duplicate", "pack", "line"})
+            QTest::newRow(c) << QString::fromLatin1(c);
+    }
+    void undoRedo()
+    {
+        QFETCH(QString, change);
+        LayoutDocument &doc = m_w->document();
+        addTo(*m_w, 20, 200, 200, 30, 0, true);
+        addTo(*m_w, 59, 300, 300, 0, 10);
+        addTo(*m_w, 59, 320, 300, 0, 10);
+        addTo(*m_w, 1, 400, 200, 0, 12);
+        addTo(*m_w, 20, 500, 200, -45, 0, true);
+        m_w->PointerMove(Qt::NoButton, Qt::NoModifier, viewOf(*m_w, 600, 600));
+        const QString start = fullState(doc);
+        if (change == "add")
+            m_w->DropKind(28, viewOf(*m_w, 50, 50));
+        else if (change == "remove")
+            keys(*m_w, "Del");
+        else if (change == "remove checker") {
+            click(*m_w, viewOf(*m_w, 300, 300));
+            keys(*m_w, "Del");
+        } else if (change == "move")
+            drag(*m_w, viewOf(*m_w, 200, 200), viewOf(*m_w, 260, 260));
+        else if (change == "nudge")
+            keys(*m_w, "Left Left Shift+Up");
+        else if (change == "rotate") {
+            m_w->ObjectRotate(15);
+            m_w->ObjectRotate(30);
+        } else if (change == "flip")
+            m_w->SelectionFlip(true);
+        else if (change == "change kind")
+            m_w->ObjectChange(59);
+        else if (change == "width") {
+            click(*m_w, viewOf(*m_w, 400, 200));
+            m_w->ObjectWidth(20);
+        } else if (change == "laps") {
+            m_w->setLaps(3);
+            m_w->setLaps(4);
+        } else if (change == "paste")
+            keys(*m_w, "Ctrl+C Ctrl+V");
+        else if (change == "duplicate")
+            keys(*m_w, "Ctrl+D");
+        else if (change == "pack") {
+            QList<PackRecord> records{{20, 0, 0, 0, 0}, {59, 40, 20, 0, 10}};
+            WriteFile(m_fx->app.file(QStringLiteral("packs/AU_two.pack")), PackBytes(40, 20, records));
+            m_w->DropPack(QStringLiteral("AU_two.pack"), viewOf(*m_w, 700, 500));
+        } else if (change == "line") {
+            click(*m_w, viewOf(*m_w, 500, 200));
+            m_w->setTool(ToolLine);
+            drag(*m_w, viewOf(*m_w, 100, 700), viewOf(*m_w, 200, 700));
+        }
+        const QString after = fullState(doc);
+        QVERIFY2(after != start, "the change did nothing");
+        QCOMPARE(m_w->undoStack()->count(), 1);
+        QVERIFY(m_w->Edited());
+        m_w->Undo();
+        QCOMPARE(fullState(doc), start);
+        QVERIFY(!m_w->Edited());
+        m_w->Redo();
+        QCOMPARE(fullState(doc), after);
+        QVERIFY(m_w->Edited());
+        QVERIFY2(LoggedErrors().isEmpty(), qPrintable(LoggedErrors().join('\n')));
+    }
+
+    void savedPointIsTheCleanPoint()
+    {
+        m_fx->dialogs.saveAnswers << m_fx->layoutPath(QStringLiteral("AU1_saved.lyt"));
+        addTo(*m_w, 20, 200, 200, 0, 0, true);
+        keys(*m_w, "Right");
+        QVERIFY(m_w->Edited());
+        QVERIFY(m_w->LayoutSave(false));
+        QVERIFY(!m_w->Edited());
+        QVERIFY(m_w->QueryClose()); // nothing to lose: no question
+        QVERIFY(m_fx->dialogs.messages.isEmpty());
+        keys(*m_w, "Right");
+        m_fx->dialogs.answers << MsgResult::Cancel;
+        QVERIFY(!m_w->QueryClose());
+        QCOMPARE(m_fx->dialogs.messages.last().text, QStringLiteral("Save changes before closing?"));
+        m_w->Undo();
+        QVERIFY(!m_w->Edited()); // back at the saved point
+        m_w->Undo();
+        QVERIFY(m_w->Edited()); // before the saved point
+    }
+
+    void paint()
+    {
+        auto au2 = m_fx->window(QStringLiteral("AU2_paint.lyt"));
+        QVERIFY(au2);
+        au2->setZoom(0.5f); // the whole picture, the marker included, in the window
+        auto grab = [&] { return au2->canvas()->grab().toImage(); };
+        const QPoint ground = viewOf(*au2, 100, 700);
+        const QPoint marker = viewOf(*au2, 831, 549); // the AU2 start marker
+        const QPoint cone = viewOf(*au2, 300, 300);
+        QImage img = grab();
+        QCOMPARE(QColor(img.pixel(ground)), FixtureGround);
+        QVERIFY(paintedAround(img, marker));
+
+        addTo(*au2, 31, 300, 300);
+        img = grab();
+        const QColor plain(img.pixel(cone));
+        QVERIFY(plain != FixtureGround);
+        au2->document().Objects().At(0).setSelected(true);
+        img = grab();
+        const QColor lit(img.pixel(cone));
+        QVERIFY(lit.lightness() > plain.lightness());
+
+        // A start of its own hides the default marker.
+        addTo(*au2, 0, 100, 100);
+        img = grab();
+        QVERIFY(!paintedAround(img, marker));
+        QVERIFY(paintedAround(img, viewOf(*au2, 100, 100)));
+    }
+};
+
+QTEST_MAIN(TestLayoutWindow)
+#include "tst_layoutwindow.moc"
