@@ -7,6 +7,7 @@
 #include "imaging/cGraphics.h"
 
 #include <QDateTime>
+#include <QPainter>
 
 using namespace Qt::StringLiterals;
 
@@ -20,6 +21,38 @@ float nextRandom()
     static uint32_t state = static_cast<uint32_t>(QDateTime::currentMSecsSinceEpoch()) & 0xFFFFFFu;
     state = (state * 1140671485u + 12820163u) & 0xFFFFFFu;
     return static_cast<float>(state) / 16777216.0f;
+}
+
+// The smallest rectangle holding every pixel that is not fully transparent.
+QRect opaqueRect(const QImage &image)
+{
+    int left = image.width(), right = -1, top = image.height(), bottom = -1;
+    for (int y = 0; y < image.height(); ++y) {
+        const QRgb *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            if (qAlpha(line[x]) == 0)
+                continue;
+            left = std::min(left, x);
+            right = std::max(right, x);
+            top = std::min(top, y);
+            bottom = std::max(bottom, y);
+        }
+    }
+    return right < 0 ? QRect() : QRect(QPoint(left, top), QPoint(right, bottom));
+}
+
+// The picture stretched to size x size exactly as drawing it stretched would give
+// (bilinear sampling, not the averaging of QImage::scaled, which differs for tiny sizes).
+QImage scaledLikeDrawn(const QImage &source, int size, bool smooth)
+{
+    QImage out(size, size, QImage::Format_ARGB32_Premultiplied);
+    if (out.isNull())
+        return out;
+    out.fill(Qt::transparent);
+    QPainter p(&out);
+    p.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
+    p.drawImage(QRect(0, 0, size, size), source);
+    return out;
 }
 
 const cBitmap &catalogueImage(int16_t id)
@@ -74,6 +107,7 @@ void varnoObject::setImage(cBitmap &&image)
 {
     m_image = std::move(image);
     m_highlighted = QImage();
+    m_sprite = QImage();
 }
 
 void varnoObject::drawPicture(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes)
@@ -86,12 +120,27 @@ void varnoObject::drawPicture(int x, int y, cGraphics &graphics, float zoom, con
         size = std::max(1, static_cast<int>(rt::toInt32(static_cast<double>(static_cast<float>(width) / zoom))));
     const int left = rt::toInt32(static_cast<long long>(x) - size / 2);
     const int top = rt::toInt32(static_cast<long long>(y) - size / 2);
-    if (m_selected)
-        graphics.DrawImageRectRect(highlightedImage(), left, top, size, size, 0, 0, width, width);
-    else if (attributes && !attributes->isIdentity())
+    if (attributes && !attributes->isIdentity() && !m_selected) {
         graphics.DrawImageRectRectI(m_image, left, top, size, size, 0, 0, width, width, attributes);
-    else
-        graphics.DrawImageRectRect(m_image.Handle(), left, top, size, size, 0, 0, width, width);
+        return;
+    }
+    // Repaints draw every object at the same size until the zoom changes, so the
+    // picture is scaled once and then only copied.
+    // Only the part that is not transparent is copied: turned pictures sit in a
+    // padded square, and a line is a thin strip across a large one.
+    const bool smooth = graphics.Handle() && graphics.Handle()->testRenderHint(QPainter::SmoothPixmapTransform);
+    if (m_sprite.isNull() || m_spriteSize != size || m_spriteSelected != m_selected || m_spriteSmooth != smooth) {
+        const QImage &source = m_selected ? highlightedImage() : m_image.Handle();
+        m_sprite = size == width ? source : scaledLikeDrawn(source, size, smooth);
+        m_spriteSize = size;
+        m_spriteSelected = m_selected;
+        m_spriteSmooth = smooth;
+        m_spriteOpaque = opaqueRect(m_sprite);
+    }
+    const QRect &r = m_spriteOpaque;
+    if (!r.isEmpty())
+        graphics.DrawImageRectRect(m_sprite, left + r.x(), top + r.y(), r.width(), r.height(), r.x(), r.y(), r.width(),
+                                   r.height());
 }
 
 // --- nrmlObject --------------------------------------------------------------------

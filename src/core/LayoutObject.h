@@ -6,6 +6,7 @@
 
 #include "imaging/cBitmap.h"
 
+#include <QRect>
 #include <QString>
 #include <cstdint>
 #include <memory>
@@ -72,6 +73,12 @@ protected:
     int16_t m_angle = 0;
     cBitmap m_image;
     mutable QImage m_highlighted;
+    // The picture as last drawn, scaled to its size on screen.
+    mutable QImage m_sprite;
+    mutable int m_spriteSize = -1;
+    mutable bool m_spriteSelected = false;
+    mutable bool m_spriteSmooth = true;
+    mutable QRect m_spriteOpaque;
 };
 
 class nrmlObject : public varnoObject {
