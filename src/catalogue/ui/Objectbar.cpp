@@ -35,7 +35,7 @@ Objectbar::Objectbar(QWidget *parent) : QWidget(parent)
 
     m_body = new QWidget(this);
     // The body may shrink to nothing so that the host can collapse the palette to its grip.
-    m_body->setMinimumSize(1, 1);
+    m_body->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 
     m_buttonArea = new QWidget(m_body);
     auto *grid = new QGridLayout(m_buttonArea);
@@ -66,6 +66,7 @@ Objectbar::Objectbar(QWidget *parent) : QWidget(parent)
     auto *bodyLayout = new QVBoxLayout(m_body);
     bodyLayout->setContentsMargins(0, 0, 0, 0);
     bodyLayout->setSpacing(0);
+    bodyLayout->setSizeConstraint(QLayout::SetNoConstraint);
     bodyLayout->addWidget(m_buttonArea);
     bodyLayout->addLayout(list, 1);
 
