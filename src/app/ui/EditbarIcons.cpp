@@ -29,14 +29,7 @@ QIcon drawn(const std::function<void(QPainter &)> &draw)
     return icon;
 }
 
-QPointF onCircle(QPointF centre, double radius, double degrees)
-{
-    const double a = qDegreesToRadians(degrees);
-    // Screen y grows downward, so positive angles turn counter-clockwise on screen.
-    return {centre.x() + radius * std::cos(a), centre.y() - radius * std::sin(a)};
-}
-
-// An arc from startDeg turning spanDeg (positive: counter-clockwise), ending in a head.
+// An arc from startDeg turning spanDeg (positive: counter-clockwise on screen), ending in a head.
 void arcArrow(QPainter &p, QPointF centre, double radius, double startDeg, double spanDeg)
 {
     QPen pen(Accent, 2.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
@@ -48,10 +41,9 @@ void arcArrow(QPainter &p, QPointF centre, double radius, double startDeg, doubl
     arc.arcTo(box, startDeg, spanDeg);
     p.drawPath(arc);
 
-    const double endDeg = startDeg + spanDeg;
-    const QPointF tip = onCircle(centre, radius, endDeg);
-    // Direction of travel at the end of the arc.
-    const double dir = qDegreesToRadians(endDeg + (spanDeg > 0 ? 90.0 : -90.0));
+    // The head sits at the arc's end and points the way the arc travels there.
+    const QPointF tip = arc.pointAtPercent(1.0);
+    const double dir = qDegreesToRadians(arc.angleAtPercent(1.0));
     const QPointF ahead(std::cos(dir), -std::sin(dir));
     const QPointF side(-ahead.y(), ahead.x());
     const double len = 5.5;
@@ -79,9 +71,9 @@ QIcon rotate(bool clockwise)
     return drawn([clockwise](QPainter &p) {
         const QPointF c(12, 12.5);
         if (clockwise)
-            arcArrow(p, c, 7.5, 135, -250);
+            arcArrow(p, c, 7.5, 120, -260);
         else
-            arcArrow(p, c, 7.5, 45, 250);
+            arcArrow(p, c, 7.5, 60, 260);
         marker(p, c);
     });
 }
