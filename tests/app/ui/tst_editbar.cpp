@@ -1,0 +1,270 @@
+// The edit bar: what Fill shows for each selection, the turn steps per mouse button, and
+// that showing a selection never reports a change.
+
+#include "app/ui/Editbar.h"
+#include "app/ui/RotateButton.h"
+#include "core/DocumentFixture.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QToolButton>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Placed {
+    int id;
+    int angle;
+    int width;
+    bool selected;
+};
+
+// Every signal the bar has, counted together.
+struct Spies {
+    explicit Spies(Editbar &bar)
+        : change(&bar, &Editbar::ChangeClicked), pack(&bar, &Editbar::PackClicked), flip(&bar, &Editbar::FlipClicked),
+          angle(&bar, &Editbar::AngleChanged), width(&bar, &Editbar::WidthChanged)
+    {
+    }
+    qsizetype total() const { return change.size() + pack.size() + flip.size() + angle.size() + width.size(); }
+    QSignalSpy change, pack, flip, angle, width;
+};
+
+} // namespace
+Q_DECLARE_METATYPE(QList<Placed>)
+
+class TestEditbar : public QObject {
+    Q_OBJECT
+    std::optional<DocumentFixture> m_fx;
+    std::optional<ScriptedDialogs> m_dialogs;
+
+    std::unique_ptr<LayoutDocument> documentWith(const QList<Placed> &objects)
+    {
+        auto doc = m_fx->document(u"AU1_edit.lyt"_s);
+        int x = 100;
+        for (const Placed &p : objects) {
+            addObject(*doc, p.id, x, 200, p.angle, p.width, p.selected);
+            x += 40;
+        }
+        doc->SelectionUpdate();
+        return doc;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        m_dialogs.emplace();
+        m_fx.emplace();
+    }
+    void cleanupTestCase()
+    {
+        m_fx.reset();
+        m_dialogs.reset();
+    }
+
+    void states_data()
+    {
+        QTest::addColumn<QList<Placed>>("objects");
+        QTest::addColumn<QString>("name");
+        // change, pack, angle, rotate, flip, width
+        QTest::addColumn<QList<bool>>("enabled");
+        QTest::addColumn<int>("angle");
+        QTest::addColumn<int>("width");
+        QTest::newRow("nothing selected") << QList<Placed>{{14, 30, 0, false}} << "No object selected"
+                                          << QList<bool>{false, false, false, false, false, false} << 77 << 9;
+        QTest::newRow("one cone, no width") << QList<Placed>{{14, 45, 0, true}, {15, 10, 0, false}} << "cone red"
+                                            << QList<bool>{true, false, true, true, false, false} << 45 << 0;
+        QTest::newRow("one finish line with a width") << QList<Placed>{{1, -90, 12, true}} << "finish"
+                                                      << QList<bool>{true, false, true, true, false, true} << -90 << 12;
+        QTest::newRow("a pair") << QList<Placed>{{14, 45, 0, true}, {1, 90, 12, true}} << "Group selection (2)"
+                                << QList<bool>{true, true, false, true, true, false} << 0 << 9;
+        QTest::newRow("three of four") << QList<Placed>{{14, 45, 0, true}, {16, 0, 0, false}, {18, 5, 0, true},
+                                                        {56, 0, 3, true}}
+                                       << "Group selection (3)" << QList<bool>{true, true, false, true, true, false}
+                                       << 0 << 9;
+    }
+    void states()
+    {
+        QFETCH(QList<Placed>, objects);
+        QFETCH(QString, name);
+        QFETCH(QList<bool>, enabled);
+        QFETCH(int, angle);
+        QFETCH(int, width);
+        Editbar bar;
+        {
+            // Values left from an earlier selection.
+            const QSignalBlocker a(bar.udbAngle());
+            const QSignalBlocker w(bar.udbWidth());
+            bar.udbAngle()->setValue(77);
+            bar.udbWidth()->setValue(9);
+        }
+        const auto doc = documentWith(objects);
+        Spies spies(bar);
+        bar.Fill(*doc);
+        QCOMPARE(spies.total(), 0); // showing a selection is not an edit
+        QCOMPARE(bar.lblName()->text(), name);
+        const QList<bool> got{bar.cmdChange()->isEnabled(), bar.cmdPack()->isEnabled(), bar.udbAngle()->isEnabled(),
+                              bar.cmdRotate(0)->isEnabled(), bar.cmdFlip(0)->isEnabled(), bar.udbWidth()->isEnabled()};
+        QCOMPARE(got, enabled);
+        QCOMPARE(bar.lblAngle()->isEnabled(), enabled[2]);
+        QCOMPARE(bar.lblWidth()->isEnabled(), enabled[5]);
+        for (int i = 1; i < 3; ++i)
+            QCOMPARE(bar.cmdRotate(i)->isEnabled(), enabled[3]);
+        QCOMPARE(bar.cmdFlip(1)->isEnabled(), enabled[4]);
+        QCOMPARE(int(bar.Angle()), angle);
+        QCOMPARE(bar.udbWidth()->value(), width);
+    }
+
+    void texts()
+    {
+        SetLang(130, u"links"_s);
+        SetLang(141, u"Breite"_s);
+        Editbar bar;
+        const auto doc = documentWith({{14, 0, 0, true}});
+        bar.Fill(*doc);
+        SetLang(130, DefaultLanguageString(130));
+        SetLang(141, DefaultLanguageString(141));
+        QCOMPARE(bar.cmdChange()->text(), u"Change to..."_s);
+        QCOMPARE(bar.cmdPack()->text(), u"Add to pack"_s);
+        QCOMPARE(bar.cmdRotate(0)->text(), u"15/90\u00B0 links"_s);
+        QCOMPARE(bar.cmdRotate(1)->text(), u"15/90\u00B0 CW"_s);
+        QCOMPARE(bar.cmdRotate(2)->text(), u"180\u00B0"_s);
+        QCOMPARE(bar.cmdRotate(0)->toolTip(), bar.cmdRotate(0)->text());
+        QCOMPARE(bar.cmdFlip(0)->text(), u"Flip horizontal"_s);
+        QCOMPARE(bar.cmdFlip(1)->text(), u"Flip vertical"_s);
+        QCOMPARE(bar.lblAngle()->text(), u"Angle:"_s);
+        QCOMPARE(bar.lblWidth()->text(), u"Breite:"_s);
+    }
+
+    void rotateSteps_data()
+    {
+        QTest::addColumn<int>("start");
+        QTest::addColumn<int>("index");
+        QTest::addColumn<Qt::MouseButton>("button");
+        QTest::addColumn<int>("result");
+        QTest::newRow("-170 - 15") << -170 << 0 << Qt::LeftButton << 175;
+        QTest::newRow("150 + 90") << 150 << 1 << Qt::RightButton << -120;
+        QTest::newRow("0 + 180 stays 180") << 0 << 2 << Qt::LeftButton << 180;
+        QTest::newRow("180 + 180 right") << 180 << 2 << Qt::RightButton << 0;
+        QTest::newRow("175 + 15") << 175 << 1 << Qt::LeftButton << -170;
+        QTest::newRow("-180 - 15") << -180 << 0 << Qt::LeftButton << 165;
+        QTest::newRow("-100 - 90") << -100 << 0 << Qt::RightButton << 170;
+        QTest::newRow("-180 - 90 stays in range") << -180 << 0 << Qt::RightButton << 90;
+        QTest::newRow("plain step") << 30 << 1 << Qt::LeftButton << 45;
+        QTest::newRow("middle resets CCW") << 90 << 0 << Qt::MiddleButton << 0;
+        QTest::newRow("middle resets 180") << -45 << 2 << Qt::MiddleButton << 0;
+        QTest::newRow("middle at 0 still reports") << 0 << 1 << Qt::MiddleButton << 0;
+    }
+    void rotateSteps()
+    {
+        QFETCH(int, start);
+        QFETCH(int, index);
+        QFETCH(Qt::MouseButton, button);
+        QFETCH(int, result);
+        QWidget window;
+        Editbar &bar = *new Editbar(&window);
+        window.show();
+        const auto doc = documentWith({{14, start, 0, true}});
+        bar.Fill(*doc);
+        QCOMPARE(int(bar.Angle()), start);
+        Spies spies(bar);
+        QTest::mouseClick(bar.cmdRotate(index), button);
+        QCOMPARE(spies.total(), 1);
+        QCOMPARE(spies.angle.size(), 1);
+        QCOMPARE(spies.angle.first().first().value<int16_t>(), int16_t(result));
+        QCOMPARE(int(bar.Angle()), result);
+    }
+
+    // A release away from the button is no press.
+    void rotateReleasedElsewhere()
+    {
+        QWidget window;
+        Editbar &bar = *new Editbar(&window);
+        window.show();
+        const auto doc = documentWith({{14, 10, 0, true}});
+        bar.Fill(*doc);
+        Spies spies(bar);
+        RotateButton *b = bar.cmdRotate(1);
+        QTest::mousePress(b, Qt::RightButton, {}, QPoint(5, 5));
+        QTest::mouseRelease(b, Qt::RightButton, {}, QPoint(b->width() + 20, 5));
+        QCOMPARE(spies.total(), 0);
+        QCOMPARE(int(bar.Angle()), 10);
+    }
+
+    // A new group turns from 0, whatever the single object before it showed.
+    void groupTurnsFromZero()
+    {
+        QWidget window;
+        Editbar &bar = *new Editbar(&window);
+        window.show();
+        const auto single = documentWith({{14, 135, 0, true}});
+        bar.Fill(*single);
+        const auto group = documentWith({{14, 135, 0, true}, {15, 20, 0, true}});
+        bar.Fill(*group);
+        Spies spies(bar);
+        QTest::mouseClick(bar.cmdRotate(1), Qt::RightButton);
+        QTest::mouseClick(bar.cmdRotate(1), Qt::RightButton);
+        QCOMPARE(spies.angle.size(), 2);
+        QCOMPARE(spies.angle.at(0).first().value<int16_t>(), int16_t(90));
+        QCOMPARE(spies.angle.at(1).first().value<int16_t>(), int16_t(180));
+    }
+
+    void buttonsAndBoxes()
+    {
+        QWidget window;
+        Editbar &bar = *new Editbar(&window);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        const auto group = documentWith({{14, 0, 0, true}, {15, 0, 0, true}});
+        bar.Fill(*group);
+        Spies spies(bar);
+        QTest::mouseClick(bar.cmdFlip(1), Qt::LeftButton);
+        QTest::mouseClick(bar.cmdChange(), Qt::LeftButton);
+        QTest::mouseClick(bar.cmdPack(), Qt::LeftButton);
+        QCOMPARE(spies.flip.size(), 1);
+        QCOMPARE(spies.flip.first().first().value<int16_t>(), int16_t(1));
+        QCOMPARE(spies.change.size(), 1);
+        QCOMPARE(spies.pack.size(), 1);
+
+        const auto line = documentWith({{2, 0, 8, true}});
+        bar.Fill(*line);
+        // A typed width is reported once, when it is entered.
+        QSpinBox *width = bar.udbWidth();
+        width->setFocus();
+        width->selectAll();
+        QTest::keyClicks(width, u"25"_s);
+        QCOMPARE(spies.width.size(), 0);
+        QTest::keyClick(width, Qt::Key_Return);
+        QCOMPARE(spies.width.size(), 1);
+        QCOMPARE(spies.width.first().first().value<int16_t>(), int16_t(25));
+        // The angle box's own steps are reported too.
+        bar.udbAngle()->stepBy(-1);
+        QCOMPARE(spies.angle.size(), 1);
+        QCOMPARE(spies.angle.first().first().value<int16_t>(), int16_t(-1));
+        // The boxes keep their limits.
+        bar.udbAngle()->setValue(400);
+        QCOMPARE(int(bar.Angle()), 180);
+        width->setValue(300);
+        QCOMPARE(width->value(), 255);
+    }
+
+    // With no document the bar shows nothing selected and offers nothing.
+    void noDocument()
+    {
+        Editbar bar;
+        const auto doc = documentWith({{14, 0, 0, true}, {15, 0, 0, true}});
+        bar.Fill(*doc);
+        bar.Fill();
+        QCOMPARE(bar.lblName()->text(), u"No object selected"_s);
+        QVERIFY(!bar.cmdChange()->isEnabled());
+        QVERIFY(!bar.cmdRotate(2)->isEnabled());
+        QVERIFY(!bar.cmdFlip(0)->isEnabled());
+    }
+};
+
+QTEST_MAIN(TestEditbar)
+#include "tst_editbar.moc"
