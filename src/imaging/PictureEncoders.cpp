@@ -56,11 +56,7 @@ class RowWalker {
 public:
     RowWalker(const WriteOptions &options, qint64 total) : m_options(options), m_total(total) {}
     // Before reading rows [0, rowsNeeded).
-    void need(int rowsNeeded) const
-    {
-        if (m_options.rowsReady)
-            m_options.rowsReady(rowsNeeded);
-    }
+    bool need(int rowsNeeded) const { return !m_options.rowsReady || m_options.rowsReady(rowsNeeded); }
     // After a row; false when the caller asked to stop.
     bool advance(qint64 rows = 1)
     {
@@ -175,7 +171,11 @@ void runJpeg(JpegJob *job, int quality)
     while (job->cinfo.next_scanline < job->cinfo.image_height) {
         const int y = int(job->cinfo.next_scanline);
         const int rows = std::min(16, img.height() - y);
-        job->walker->need(y + rows);
+        if (!job->walker->need(y + rows)) {
+            job->cancelled = true;
+            jpeg_destroy_compress(&job->cinfo);
+            return;
+        }
         JSAMPROW pointers[16];
         for (int i = 0; i < rows; ++i) {
 #if defined(JCS_EXTENSIONS) && Q_BYTE_ORDER == Q_LITTLE_ENDIAN
@@ -300,7 +300,10 @@ void runPng(PngJob *job)
         png_set_swap_alpha(job->png);
 #endif
     for (int y = 0; y < img.height(); ++y) {
-        job->walker->need(y + 1);
+        if (!job->walker->need(y + 1)) {
+            job->cancelled = true;
+            return;
+        }
         const QRgb *s = reinterpret_cast<const QRgb *>(img.constScanLine(y));
         if (job->opaque) {
             png_write_row(job->png, reinterpret_cast<png_const_bytep>(s));
@@ -322,8 +325,8 @@ bool writePng(const QImage &img, QIODevice &device, const WriteOptions &options)
     // An opaque picture is written without alpha: a quarter less to compress.
     bool opaque = !img.hasAlphaChannel();
     if (!opaque) {
-        if (options.rowsReady)
-            options.rowsReady(img.height());
+        if (options.rowsReady && !options.rowsReady(img.height()))
+            return false;
         opaque = true;
         for (int y = 0; y < img.height() && opaque; ++y) {
             const QRgb *s = reinterpret_cast<const QRgb *>(img.constScanLine(y));
@@ -397,7 +400,8 @@ bool writeBmp(const QImage &img, QIODevice &device, const WriteOptions &options)
     // Several rows per write keep the device calls few.
     const int rowsPerChunk = int(std::max<qint64>(1, qint64(kOutputChunk) / stride));
     std::vector<char> chunk(size_t(stride) * size_t(rowsPerChunk), 0);
-    walker.need(int(h)); // the last row is stored first
+    if (!walker.need(int(h))) // the last row is stored first
+        return false;
     for (qint64 y = h - 1; y >= 0;) {
         int n = 0;
         for (; n < rowsPerChunk && y >= 0; ++n, --y) {
@@ -426,7 +430,8 @@ bool writeGif(const QImage &img, QIODevice &device, const WriteOptions &options)
     RowWalker walker(options, qint64(h) * 2);
     if (!walker.start())
         return false;
-    walker.need(h);
+    if (!walker.need(h))
+        return false;
     GifPalette palette;
     for (int y = 0; y < h; ++y) {
         palette.addRow(reinterpret_cast<const QRgb *>(img.constScanLine(y)), img.width());
@@ -466,7 +471,8 @@ bool writeTiff(const QImage &img, QIODevice &device, const WriteOptions &options
     RowWalker walker(options, img.height());
     if (!walker.start())
         return false;
-    walker.need(img.height());
+    if (!walker.need(img.height()))
+        return false;
     QImageWriter writer(&device, "tiff");
     if (!writer.write(img)) {
         if (writer.error() == QImageWriter::DeviceError)

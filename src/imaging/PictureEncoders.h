@@ -23,9 +23,10 @@ namespace picture {
 using RowProgress = std::function<bool(qint64 done, qint64 total)>;
 
 // Lets a writer start on a picture that is still being drawn: called before rows
-// [0, rowsNeeded) are read and returns once they are final. Empty when the picture
-// is complete.
-using RowsReady = std::function<void(int rowsNeeded)>;
+// [0, rowsNeeded) are read and returns true once they are final. Empty when the picture
+// is complete. Returning false means the rows will never come: the writing stops as if
+// progress had said so.
+using RowsReady = std::function<bool(int rowsNeeded)>;
 
 struct WriteOptions {
     int quality = 90;          // JPEG only, 0..100
