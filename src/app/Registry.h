@@ -6,6 +6,9 @@
 
 #ifdef Q_OS_WIN
 #include <QString>
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
 #include <windows.h>
 
 // The value, up to its first NUL and at most 255 characters; empty when the key or
