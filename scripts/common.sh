@@ -7,7 +7,7 @@ VARNO_BUILD="${VARNO_BUILD:-$VARNO_ROOT/build}"
 VARNO_PACKAGES=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-image-formats-plugins libgl-dev
-  libgif-dev fonts-dejavu-core
+  libgif-dev libpng-dev libjpeg62-turbo-dev fonts-dejavu-core
 )
 
 varno_missing_packages() {

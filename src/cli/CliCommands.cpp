@@ -135,6 +135,10 @@ QString usage()
            "  varno-cli info FILE.lyt [--json]      print a layout as the editor opens it\n"
            "  varno-cli resave IN.lyt OUT.lyt       open IN and save it as OUT\n"
            "  varno-cli pack-info FILE.pack [--json] print a pack's box and records\n"
+           "  varno-cli render FILE.lyt -o OUT [--percent P | --width W | --height H] [--quality Q]\n"
+           "                                        save the layout as a picture, as Save to image\n"
+           "                                        does; the type follows OUT's extension (png, jpg,\n"
+           "                                        gif, bmp); SavePercent and SaveQuality are the defaults\n"
            "  varno-cli --help | --version\n"
            "\n"
            "The layout type comes from the first three letters of the file name (AU1, AU2,\n"
@@ -233,6 +237,8 @@ int run(const QStringList &args)
         out(u"varno-cli " VARNO_VERSION "\n"_s);
         return Success;
     }
+    if (command == u"render"_s)
+        return render(args.mid(1));
     QStringList rest = args.mid(1);
     const bool json = rest.removeAll(u"--json"_s) > 0;
     for (const QString &a : rest)

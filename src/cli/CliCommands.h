@@ -15,5 +15,7 @@ int run(const QStringList &arguments);
 int info(const QString &file, bool json);
 int resave(const QString &in, const QString &out);
 int packInfo(const QString &file, bool json);
+// render FILE.lyt -o OUT [--percent P | --width W | --height H] [--quality Q]
+int render(const QStringList &args);
 
 } // namespace cli

@@ -4,34 +4,16 @@
 #include "app/Language.h"
 #include "core/Dialogs.h"
 #include "core/Runtime.h"
-#include "imaging/GifWriter.h"
+#include "imaging/PictureEncoders.h"
 #include "imaging/cBitmap.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QImageWriter>
 #include <QSaveFile>
 
 #include <algorithm>
 
 namespace {
-
-// Picture with alpha dropped over black: the premultiplied colour channels are exactly
-// the colour over black, so only the alpha byte changes.
-QImage overBlack(const QImage &premultiplied)
-{
-    QImage out(premultiplied.size(), QImage::Format_RGB32);
-    if (out.isNull())
-        return out;
-    const int w = premultiplied.width();
-    for (int y = 0; y < premultiplied.height(); ++y) {
-        const QRgb *s = reinterpret_cast<const QRgb *>(premultiplied.constScanLine(y));
-        QRgb *d = reinterpret_cast<QRgb *>(out.scanLine(y));
-        for (int x = 0; x < w; ++x)
-            d[x] = s[x] | 0xff000000u;
-    }
-    return out;
-}
 
 // The run-time error for a file that could not be opened or replaced.
 [[noreturn]] void raiseFileError(const QString &fileName)
@@ -82,68 +64,61 @@ bool cGDIP::SaveBitmapToFile(const cBitmap &bitmap, const QString &fileName, int
     const QString extension = extensionOf(fileName);
     const ImageEncoder *encoder = encoderFor(extension);
     if (!encoder) {
-        dialogs().message(ErrorBoxText(QLatin1Char('(') + extension + QStringLiteral(") ") + Lang(167)),
-                          QStringLiteral("Sorry :("), MsgIcon::Error);
+        ShowUnknownFormat(extension);
         return false;
     }
-
     bool written = false;
     guarded(QStringLiteral("cGDIP.SaveBitmapToFile"), [&] {
         if (bitmap.isNull())
             rt::raise(rt::InvalidCall);
-        const QString format = encoder->formatName.toLower();
-        const bool isGif = format == QLatin1String("gif");
-        if (!isGif && !QImageWriter::supportedImageFormats().contains(format.toLatin1()))
-            rt::raise(rt::DeviceUnavailable, QStringLiteral("No writer for %1 pictures is installed").arg(encoder->formatName));
-
-        // The picture goes to a temporary file beside the target and replaces it only
-        // when complete, so a failed save never spoils an existing file.
-        QSaveFile file(fileName);
-        if (!file.open(QIODevice::WriteOnly))
-            raiseFileError(fileName);
-
-        const QImage &image = bitmap.Handle();
-        bool ok = false;
-        if (isGif) {
-            GifWriter gif(&file);
-            ok = gif.writeImage(image);
-            if (!ok) {
-                file.cancelWriting();
-                switch (gif.error()) {
-                case GifWriter::OutOfMemory: rt::raise(rt::OutOfMemory);
-                case GifWriter::WriteFailed: rt::raise(rt::DiskFull);
-                default: rt::raise(rt::DeviceIOError, gif.errorString());
-                }
-            }
-        } else {
-            QImage out;
-            if (format == QLatin1String("jpeg") || format == QLatin1String("bmp"))
-                out = overBlack(image);
-            else
-                out = image.convertToFormat(QImage::Format_ARGB32);
-            if (out.isNull()) {
-                file.cancelWriting();
-                rt::raise(rt::OutOfMemory);
-            }
-            QImageWriter writer(&file, format.toLatin1());
-            if (extension.left(1).toLower() == QLatin1String("j"))
-                writer.setQuality(std::clamp(quality, 0, 100));
-            ok = writer.write(out);
-            if (!ok) {
-                const auto error = writer.error();
-                file.cancelWriting();
-                if (error == QImageWriter::DeviceError)
-                    rt::raise(rt::DiskFull);
-                rt::raise(rt::DeviceIOError, writer.errorString());
-            }
-        }
-        if (!file.commit()) {
-            // Writing went through, so a failure here is the final flush or the swap.
-            if (file.error() == QFileDevice::WriteError || file.error() == QFileDevice::ResourceError)
-                rt::raise(rt::DiskFull);
-            raiseFileError(fileName);
-        }
-        written = true;
+        written = WritePictureFile(bitmap.Handle(), fileName, quality);
     });
     return written;
+}
+
+void cGDIP::ShowUnknownFormat(const QString &extension)
+{
+    dialogs().message(ErrorBoxText(QLatin1Char('(') + extension + QStringLiteral(") ") + Lang(167)),
+                      QStringLiteral("Sorry :("), MsgIcon::Error);
+}
+
+bool cGDIP::WritePictureFile(const QImage &picture, const QString &fileName, int quality,
+                             const picture::WriteOptions &options)
+{
+    const QString extension = extensionOf(fileName);
+    const ImageEncoder *encoder = encoderFor(extension);
+    if (!encoder)
+        rt::raise(rt::InvalidCall, QStringLiteral("Unknown image format %1").arg(extension));
+    const QImage source = picture.format() == QImage::Format_ARGB32_Premultiplied
+                              ? picture
+                              : picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    if (source.isNull())
+        rt::raise(picture.isNull() ? rt::InvalidCall : rt::OutOfMemory);
+
+    picture::WriteOptions o = options;
+    o.quality = extension.left(1).toLower() == QLatin1String("j") ? std::clamp(quality, 0, 100) : 75;
+
+    // The picture goes to a temporary file beside the target and replaces it only
+    // when complete, so a failed or cancelled save never spoils an existing file.
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly))
+        raiseFileError(fileName);
+    bool complete = false;
+    try {
+        complete = picture::write(source, file, encoder->formatName, o);
+    } catch (...) {
+        file.cancelWriting();
+        throw;
+    }
+    if (!complete) {
+        file.cancelWriting();
+        return false;
+    }
+    if (!file.commit()) {
+        // Writing went through, so a failure here is the final flush or the swap.
+        if (file.error() == QFileDevice::WriteError || file.error() == QFileDevice::ResourceError)
+            rt::raise(rt::DiskFull);
+        raiseFileError(fileName);
+    }
+    return true;
 }

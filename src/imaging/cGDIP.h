@@ -1,6 +1,8 @@
 #pragma once
 // The imaging session and the picture writer.
 
+#include "imaging/PictureEncoders.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -30,4 +32,13 @@ public:
     // "(ext) Unknown image format. Choose a different one" and writes nothing. Quality
     // (0..100) applies when the extension starts with "j". Returns whether a file was written.
     bool SaveBitmapToFile(const cBitmap &bitmap, const QString &fileName, int quality);
+
+    // "(ext) Unknown image format. Choose a different one" in the error box.
+    static void ShowUnknownFormat(const QString &extension);
+    // The writing behind SaveBitmapToFile, without any box: the encoder is chosen by the
+    // extension (an unknown one is error 5), rows are streamed to a temporary file beside
+    // fileName, which replaces it only when complete. Failures are rt::Error and leave
+    // no file behind; false when options.progress stopped it, also leaving nothing.
+    static bool WritePictureFile(const QImage &picture, const QString &fileName, int quality,
+                                 const picture::WriteOptions &options = {});
 };

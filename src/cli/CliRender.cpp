@@ -1,0 +1,169 @@
+// varno-cli render: a layout saved as a picture exactly as the editor's Save to image
+// writes it, with the size dialog's proportion rules and the options' defaults.
+
+#include "app/ErrorLog.h"
+#include "app/Startup.h"
+#include "catalogue/ObjectKinds.h"
+#include "cli/CliCommands.h"
+#include "core/LayoutDocument.h"
+#include "view/LayoutImageExport.h"
+#include "view/SaveImageRules.h"
+
+#include <QFileInfo>
+#include <cstdio>
+#include <optional>
+
+#ifdef Q_OS_WIN
+#include <io.h>
+#define isatty _isatty
+#define fileno _fileno
+#else
+#include <unistd.h>
+#endif
+
+using namespace Qt::StringLiterals;
+
+namespace cli {
+
+namespace {
+
+void say(FILE *stream, const QString &text)
+{
+    const QByteArray bytes = (text + u'\n').toLocal8Bit();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+int usageError(const QString &why)
+{
+    say(stderr, u"varno-cli: "_s + why + u"\n\n"_s + usage());
+    return UsageError;
+}
+
+// Progress as one line that rewrites itself; only on a terminal, so that logs and
+// pipes stay clean.
+class TerminalProgress {
+public:
+    TerminalProgress() : m_enabled(isatty(fileno(stderr))) {}
+    ~TerminalProgress() { done(); }
+    bool operator()(double fraction)
+    {
+        const int percent = int(fraction * 100.0);
+        if (m_enabled && percent != m_shown) {
+            m_shown = percent;
+            std::fprintf(stderr, "\rrendering %3d %%", percent);
+            std::fflush(stderr);
+        }
+        return true;
+    }
+    void done()
+    {
+        if (m_enabled && m_shown >= 0)
+            std::fprintf(stderr, "\r%*s\r", 16, "");
+        m_shown = -1;
+    }
+
+private:
+    bool m_enabled;
+    int m_shown = -1;
+};
+
+} // namespace
+
+int render(const QStringList &args)
+{
+    QString in, out;
+    std::optional<int> percent, width, height, quality;
+    int sizeOptions = 0;
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        const QString &a = args[i];
+        const bool takesValue = a == u"-o"_s || a == u"--output"_s || a == u"--percent"_s || a == u"--width"_s
+                                || a == u"--height"_s || a == u"--quality"_s;
+        if (!takesValue) {
+            if (a.startsWith(u'-') && a.size() > 1)
+                return usageError(u"unknown option %1 for render"_s.arg(a));
+            if (!in.isEmpty())
+                return usageError(u"render takes one layout file"_s);
+            in = a;
+            continue;
+        }
+        if (i + 1 >= args.size())
+            return usageError(u"%1 needs a value"_s.arg(a));
+        const QString value = args[++i];
+        if (a == u"-o"_s || a == u"--output"_s) {
+            out = value;
+            continue;
+        }
+        bool ok = false;
+        const int n = value.toInt(&ok);
+        if (!ok)
+            return usageError(u"%1 needs a whole number, not %2"_s.arg(a, value));
+        if (a == u"--quality"_s) {
+            if (n < 0 || n > 100)
+                return usageError(u"--quality must be from 0 to 100"_s);
+            quality = n;
+            continue;
+        }
+        if (n < 1)
+            return usageError(u"%1 must be at least 1"_s.arg(a));
+        ++sizeOptions;
+        (a == u"--percent"_s ? percent : a == u"--width"_s ? width : height) = n;
+    }
+    if (in.isEmpty() || out.isEmpty())
+        return usageError(u"render needs a layout file and -o OUT"_s);
+    if (sizeOptions > 1)
+        return usageError(u"give only one of --percent, --width and --height"_s);
+
+    ClearLoggedErrors();
+    FillCatalogue();
+    LayoutDocument doc;
+    doc.setFileName(QFileInfo(in).absoluteFilePath());
+    doc.LayoutLoadBG();
+    if (!doc.LayoutOpen()) {
+        say(stderr, u"varno-cli: %1 could not be opened; nothing was written."_s.arg(in));
+        return Failure;
+    }
+    const int baseWidth = doc.Background().Width(), baseHeight = doc.Background().Height();
+    if (baseWidth <= 0 || baseHeight <= 0) {
+        say(stderr, u"varno-cli: the background of %1 could not be loaded; nothing was written."_s.arg(in));
+        return Failure;
+    }
+
+    // The size dialog as it opens, then the one box the command line sets.
+    SaveImageProportions sizes;
+    sizes.open(baseWidth, baseHeight, options().SavePercent, options().SaveQuality);
+    if (percent)
+        sizes.setPercent(*percent);
+    if (width)
+        sizes.setWidth(*width);
+    if (height)
+        sizes.setHeight(*height);
+    if (quality)
+        sizes.setQuality(*quality);
+    auto limitNote = [&](const std::optional<int> &asked, const char *name, int got) {
+        if (asked && *asked != got && (got == sizes.maxWidth() || got == sizes.maxHeight()
+                                       || got == SaveImageProportions::MaxPercent))
+            say(stderr, u"varno-cli: %1 %2 is above the limit of ten times the background; using %3"_s.arg(
+                            QLatin1String(name)).arg(*asked).arg(got));
+    };
+    limitNote(percent, "percent", sizes.percent());
+    limitNote(width, "width", sizes.width());
+    limitNote(height, "height", sizes.height());
+
+    const QString target = QFileInfo(out).absoluteFilePath();
+    ImageExportResult result;
+    {
+        TerminalProgress progress;
+        result = RenderLayoutImage(doc, target, sizes.width(), sizes.height(), sizes.quality(),
+                                   [&](double f) { return progress(f); });
+    }
+    ReportImageExport(result, sizes.width(), sizes.height());
+    if (result.status != ImageExportResult::Written) {
+        say(stderr, u"varno-cli: %1 was not written."_s.arg(out));
+        return Failure;
+    }
+    say(stdout, u"%1: %2 x %3 pixels"_s.arg(out).arg(sizes.width()).arg(sizes.height()));
+    return Success;
+}
+
+} // namespace cli

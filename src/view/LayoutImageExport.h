@@ -1,0 +1,65 @@
+#pragma once
+// Saving a layout as a picture: the background stretched to the chosen size, every
+// object drawn on it at that scale in collection order, written in the format the
+// file's extension names. The view's zoom, scroll position and selection play no part
+// (a selected object is still drawn highlighted, as the document draws it).
+//
+// Pictures can be as large as ten times the background each way, so the work is done
+// in one full-size picture and small buffers only: it is drawn in bands of rows, and
+// each band goes to the encoder as soon as it is final, while the next one is drawn.
+
+#include "core/Runtime.h"
+
+#include <QImage>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+class LayoutDocument;
+
+struct ImageExportResult {
+    enum Status {
+        Written,       // the file is in place
+        Cancelled,     // the progress callback said stop; nothing was written
+        UnknownFormat, // no encoder for the extension; nothing was written
+        NoMemory,      // the picture did not fit in memory; nothing was written
+        Failed,        // a run-time error; nothing was written
+    };
+    Status status = Failed;
+    QString extension;              // for UnknownFormat
+    qint64 bytesNeeded = 0;         // for NoMemory
+    std::optional<rt::Error> error; // for Failed
+    QString where;                  // the procedure the error is logged under
+};
+
+// Told how far the export is (0..1); returning false cancels it. Called on the thread
+// that runs RenderLayoutImage, a few times a second at least.
+using ExportProgress = std::function<bool(double fraction)>;
+
+// Renders and writes the picture, and shows and logs nothing, so that it can run away
+// from the window thread. The document must not change meanwhile. Width and height are
+// those of the picture; scale is width / background width, the height plays no part.
+ImageExportResult RenderLayoutImage(const LayoutDocument &doc, const QString &fileName, int width, int height,
+                                    int quality, const ExportProgress &progress = {});
+
+// Tells the user what went wrong, as the editor does: the unknown-format box, a
+// message for a picture too large for the memory, or the logged "Sorry :(" box
+// (" in frmLayout.LayoutSaveImageFile", or " in cGDIP.SaveBitmapToFile" for the writing).
+// Nothing for Written and Cancelled. Window thread only.
+void ReportImageExport(const ImageExportResult &result, int width, int height);
+
+// The document's LayoutSaveImageFile: RenderLayoutImage then ReportImageExport, on the
+// calling thread. True when the file was written.
+bool LayoutSaveImageFile(const LayoutDocument &doc, const QString &fileName, int width, int height, int quality,
+                         const ExportProgress &progress = {});
+
+// Only the drawing: fills picture (ARGB32 premultiplied, already of the wanted size)
+// with the stretched background and the objects. bandDone, when given, hears the
+// number of rows that are final after each band and may return false to stop. Throws
+// rt::Error for a drawing failure.
+bool RenderLayoutPicture(const LayoutDocument &doc, QImage &picture,
+                         const std::function<bool(int rowsDone)> &bandDone = {});
+
+// The bytes a width x height picture takes in memory, or -1 when no QImage can be that large.
+qint64 ExportPictureBytes(int width, int height);

@@ -1,0 +1,87 @@
+#include "view/ui/LayoutSaveImage.h"
+
+#include "app/Language.h"
+#include "app/Startup.h"
+#include "core/Dialogs.h"
+#include "core/LayoutDocument.h"
+#include "view/LayoutImageExport.h"
+#include "view/SaveImageRules.h"
+#include "view/ui/frmSave.h"
+
+#include <QEventLoop>
+#include <QProgressDialog>
+#include <QThread>
+#include <QTimer>
+
+#include <atomic>
+#include <memory>
+
+bool SaveImageWithProgress(const LayoutDocument &doc, const QString &fileName, int width, int height, int quality,
+                           QWidget *parent)
+{
+    // A selected object keeps its highlighted picture in a cache made on first use; make
+    // it here, so that the drawing thread and the window's own painting never race for it.
+    for (const varnoObject &o : doc.Objects())
+        if (o.Selected())
+            o.highlightedImage();
+
+    std::atomic<int> permille{0};
+    std::atomic<bool> cancelled{false};
+    ImageExportResult result;
+
+    QProgressDialog progress(Lang(57), Lang(195), 0, 1000, parent);
+    progress.setWindowTitle(Lang(57));
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(400);
+    progress.setAutoReset(false);
+    progress.setAutoClose(false);
+    progress.setValue(0);
+    QObject::connect(&progress, &QProgressDialog::canceled, [&] { cancelled = true; });
+
+    std::unique_ptr<QThread> worker(QThread::create([&] {
+        result = RenderLayoutImage(doc, fileName, width, height, quality, [&](double fraction) {
+            permille = int(fraction * 1000.0);
+            return !cancelled.load();
+        });
+    }));
+    QEventLoop loop;
+    QObject::connect(worker.get(), &QThread::finished, &loop, &QEventLoop::quit);
+    QTimer tick;
+    tick.setInterval(50);
+    QObject::connect(&tick, &QTimer::timeout, [&] {
+        if (!cancelled)
+            progress.setValue(std::min(999, permille.load()));
+    });
+    worker->start();
+    tick.start();
+    loop.exec(QEventLoop::AllEvents);
+    worker->wait();
+    tick.stop();
+    progress.close();
+
+    ReportImageExport(result, width, height);
+    return result.status == ImageExportResult::Written;
+}
+
+bool LayoutSaveImage(LayoutDocument &doc, QWidget *parent)
+{
+    const Options &o = options();
+    FileDialogRequest request;
+    request.filter = SaveImageFilter(o.SaveType);
+    request.filterIndex = 1;
+    request.initialDir = o.SaveFolder;
+    request.fileName = SaveImageProposedName(doc.LayoutName(), o.SaveType);
+    const QString chosen = dialogs().saveFile(request);
+    if (chosen.isEmpty())
+        return false;
+    if (options().RememberSaveFolder)
+        options().SaveFolder = RememberedSaveFolder(chosen);
+
+    bool written = false;
+    frmSave dialog(parent);
+    dialog.setSaveCallback([&](const QString &fileName, int width, int height, int quality) {
+        written = SaveImageWithProgress(doc, fileName, width, height, quality, &dialog);
+    });
+    dialog.Save(chosen, doc.Background().Width(), doc.Background().Height(), o.SavePercent, o.SaveQuality);
+    return written;
+}

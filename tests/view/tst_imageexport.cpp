@@ -1,0 +1,366 @@
+// Save to image without a window: the file name and filter rules, the proportions of
+// the size dialog, and the export itself, decoded back and compared with the picture
+// drawn in one piece the plain way. Positions are scaled in single precision: at a scale
+// of 203 / 200 the X of 100 lands on 101.5 exactly and goes to 102.
+
+#include "core/DocumentFixture.h"
+#include "imaging/cGraphics.h"
+#include "view/LayoutImageExport.h"
+#include "view/SaveImageRules.h"
+
+#include <QDir>
+#include <QtTest>
+
+namespace {
+
+// The picture the export must produce, drawn in one go: the background stretched, each
+// object at its scaled, rounded position with zoom 4 / scale.
+QImage referencePicture(const LayoutDocument &doc, int width, int height)
+{
+    QImage picture(width, height, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    const float scale = float(width) / float(doc.Background().Width());
+    cGraphics g;
+    g.CreateFromHdc(&picture);
+    g.SetInterpolationMode(InterpolationModeHighQualityBicubic);
+    g.DrawImageRectI(doc.Background(), 0, 0, width, height);
+    for (varnoObject &o : doc.Objects())
+        o.Draw(int(rt::roundHalfEven(double(float(o.X()) * scale))),
+               int(rt::roundHalfEven(double(float(o.Y()) * scale))), g, 4.0f / scale, nullptr);
+    return picture;
+}
+
+QStringList filesIn(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
+}
+
+} // namespace
+
+class TestImageExport : public QObject {
+    Q_OBJECT
+
+    DocumentFixture m_fx{200, 160};
+    std::optional<ScriptedDialogs> m_dialogs;
+    std::unique_ptr<LayoutDocument> m_doc;
+    QString m_out;
+
+private slots:
+    void init()
+    {
+        m_dialogs.emplace();
+        ClearLoggedErrors();
+        // A background with detail in both directions, so a wrong stretch shows.
+        QImage bg(200, 160, QImage::Format_RGB32);
+        for (int y = 0; y < bg.height(); ++y)
+            for (int x = 0; x < bg.width(); ++x)
+                bg.setPixel(x, y, qRgb(40 + x / 2, 60 + y / 2, (x * 7 + y * 3) % 64));
+        bg.save(options().AU1);
+        m_doc = m_fx.document(QStringLiteral("AU1_export.lyt"));
+        QCOMPARE(m_doc->BoundsWidth(), 200);
+        addObject(*m_doc, 5, 40, 30, 30);             // an ordinary object, turned
+        addObject(*m_doc, Kind::Finish, 100, 80, 0, 20); // a line with a width
+        addObject(*m_doc, Kind::RestrictedMarshall, 150, 120, 0, 2);
+        addObject(*m_doc, Kind::RouteChecker, 60, 130, 0, 3);
+        addObject(*m_doc, 12, 199, 159, -90);         // at the corner, partly outside
+        m_doc->Objects().At(1).setSelected(true);
+        QCOMPARE(m_doc->Objects().Count(), 5);
+        m_out = m_fx.app.file(QStringLiteral("out/") + QString::fromLatin1(QTest::currentTestFunction()) + u'/'
+                              + QString::fromLatin1(QTest::currentDataTag()));
+        QDir().mkpath(m_out);
+    }
+    void cleanup()
+    {
+        m_doc.reset();
+        m_dialogs.reset();
+    }
+
+    void filter_data()
+    {
+        QTest::addColumn<QString>("saveType");
+        QTest::addColumn<QString>("filter");
+        const QString png = "PNG file (*.png)|*.png|", jpg = "JPG file (*.jpg)|*.jpg|",
+                      gif = "GIF file (*.gif)|*.gif|", bmp = "BMP file (*.bmp)|*.bmp|", all = "All files (*.*)|*.*";
+        QTest::newRow("png") << "png" << png + jpg + gif + bmp + all;
+        QTest::newRow("gif") << "gif" << gif + jpg + png + bmp + all;
+        QTest::newRow("bmp") << "bmp" << bmp + jpg + png + gif + all;
+        QTest::newRow("jpg") << "jpg" << jpg + png + gif + bmp + all;
+        QTest::newRow("upper case GIF") << "GIF" << gif + jpg + png + bmp + all;
+        QTest::newRow("anything else is jpg") << "tif" << jpg + png + gif + bmp + all;
+    }
+    void filter()
+    {
+        QFETCH(QString, saveType);
+        QFETCH(QString, filter);
+        QCOMPARE(SaveImageFilter(saveType), filter);
+    }
+
+    void filterFollowsLanguage()
+    {
+        SetLang(103, "Datei");
+        SetLang(102, "Alle Dateien");
+        const QString f = SaveImageFilter("bmp");
+        LoadLanguage();
+        QVERIFY(f.startsWith("BMP Datei (*.bmp)|*.bmp|JPG Datei (*.jpg)|"));
+        QVERIFY(f.endsWith("|Alle Dateien (*.*)|*.*"));
+    }
+
+    void names_data()
+    {
+        QTest::addColumn<QString>("layoutName");
+        QTest::addColumn<QString>("saveType");
+        QTest::addColumn<QString>("proposed");
+        QTest::newRow("lyt") << "AU1_track.lyt" << "png" << "AU1_track.png";
+        QTest::newRow("upper-case LYT") << "AU1_track.LYT" << "jpg" << "AU1_track.jpg";
+        // Only three characters go, whatever they are.
+        QTest::newRow("no extension") << "BL3_abcdef" << "gif" << "BL3_abcgif";
+        QTest::newRow("short") << "ab" << "bmp" << "bmp";
+    }
+    void names()
+    {
+        QFETCH(QString, layoutName);
+        QFETCH(QString, saveType);
+        QFETCH(QString, proposed);
+        QCOMPARE(SaveImageProposedName(layoutName, saveType), proposed);
+    }
+
+    void qualityAndFolder_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("quality");
+        QTest::addColumn<QString>("folder");
+        // The folder keeps (length - position of the last separator - 1) characters.
+        QTest::newRow(".jpg") << "/home/me/pics/a.jpg" << true << "/hom";
+        QTest::newRow(".JPG") << "/home/me/pics/a.JPG" << false << "/hom";
+        QTest::newRow(".jpeg") << "/x/abc.jpeg" << false << "/x/abc.";
+        QTest::newRow("windows path") << "C:\\pics\\layout.png" << false << "C:\\pics\\l";
+        QTest::newRow("no folder") << "ajpg" << true << "ajp";
+    }
+    void qualityAndFolder()
+    {
+        QFETCH(QString, path);
+        QFETCH(bool, quality);
+        QFETCH(QString, folder);
+        QCOMPARE(SaveImageQualityEnabled(path), quality);
+        QCOMPARE(RememberedSaveFolder(path), folder);
+    }
+
+    // Each row: base size, the opening percent, then one change; the three boxes after it.
+    void proportions_data()
+    {
+        QTest::addColumn<QSize>("base");
+        QTest::addColumn<int>("openPercent");
+        QTest::addColumn<QString>("box");
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QList<int>>("expected"); // width, height, percent
+        QTest::newRow("opens at 100") << QSize(1000, 800) << 100 << "" << 0 << QList<int>{1000, 800, 100};
+        QTest::newRow("50% of 1024") << QSize(1024, 1024) << 50 << "" << 0 << QList<int>{512, 512, 50};
+        QTest::newRow("width 300 on 1000x800") << QSize(1000, 800) << 100 << "width" << 300 << QList<int>{300, 240, 30};
+        QTest::newRow("height 400 on 1000x800") << QSize(1000, 800) << 100 << "height" << 400
+                                                << QList<int>{500, 400, 50};
+        QTest::newRow("percent 250") << QSize(1630, 2940) << 100 << "percent" << 250 << QList<int>{4075, 7350, 250};
+        // 12.5 % of 100 x 100: each 12.5 rounds to the even 12.
+        // Width 5 of 200 x 100 asks for height 2.5, which is 2, which asks for width 4.
+        QTest::newRow("ties to even") << QSize(200, 100) << 100 << "width" << 5 << QList<int>{4, 2, 2};
+        QTest::newRow("width above the limit") << QSize(1000, 800) << 100 << "width" << 20000
+                                               << QList<int>{10000, 8000, 1000};
+        QTest::newRow("stored percent 2000 clamps") << QSize(100, 50) << 2000 << "" << 0
+                                                   << QList<int>{1000, 500, 1000};
+        // 333 wide: height 266.4 gives 266, which in turn asks for width 332.5, so 332;
+        // the boxes settle a step away from what was typed, as they always did.
+        QTest::newRow("rounding drift") << QSize(1000, 800) << 100 << "width" << 333 << QList<int>{330, 264, 33};
+    }
+    void proportions()
+    {
+        QFETCH(QSize, base);
+        QFETCH(int, openPercent);
+        QFETCH(QString, box);
+        QFETCH(int, value);
+        QFETCH(QList<int>, expected);
+        SaveImageProportions p;
+        p.open(base.width(), base.height(), openPercent, 90);
+        QCOMPARE(p.maxWidth(), base.width() * 10);
+        QCOMPARE(p.maxHeight(), base.height() * 10);
+        if (box == "width")
+            p.setWidth(value);
+        else if (box == "height")
+            p.setHeight(value);
+        else if (box == "percent")
+            p.setPercent(value);
+        QCOMPARE((QList<int>{p.width(), p.height(), p.percent()}), expected);
+        QCOMPARE(p.quality(), 90);
+    }
+
+    // The written file, decoded, against the picture drawn in one piece. Lossless
+    // formats must match exactly; JPEG closely; GIF within its palette.
+    void renderedPicture_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("height");
+        QTest::addColumn<int>("tolerance");
+        QTest::newRow("png 100%") << "a.png" << 200 << 160 << 0;
+        QTest::newRow("png 50%") << "a.png" << 100 << 80 << 0;
+        QTest::newRow("png 1000%, many bands") << "a.png" << 2000 << 1600 << 0;
+        QTest::newRow("bmp 300%") << "a.bmp" << 600 << 480 << 0;
+        QTest::newRow("bmp odd width") << "a.bmp" << 203 << 162 << 0;
+        QTest::newRow("jpg 200%") << "a.jpg" << 400 << 320 << 24;
+        QTest::newRow("JPG upper case") << "a.JPG" << 400 << 320 << 24;
+        QTest::newRow("gif 100%") << "a.gif" << 200 << 160 << 24;
+        QTest::newRow("height out of proportion") << "a.png" << 400 << 100 << 0;
+    }
+    void renderedPicture()
+    {
+        QFETCH(QString, name);
+        QFETCH(int, width);
+        QFETCH(int, height);
+        QFETCH(int, tolerance);
+        const QString path = m_out + u'/' + name;
+        QVERIFY(LayoutSaveImageFile(*m_doc, path, width, height, 95));
+        QVERIFY(m_dialogs->messages.isEmpty());
+        QCOMPARE(filesIn(m_out), QStringList{name});
+        const QImage back = QImage(path).convertToFormat(QImage::Format_ARGB32);
+        const QImage expected = referencePicture(*m_doc, width, height).convertToFormat(QImage::Format_ARGB32);
+        QCOMPARE(back.size(), QSize(width, height));
+        // Lossless formats match to the last bit; JPEG and GIF may miss by more than the
+        // tolerance only on a few sharp, saturated edges.
+        int outliers = 0;
+        QPoint where;
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                const QRgb a = back.pixel(x, y), b = expected.pixel(x, y);
+                const int d = std::max({qAbs(qRed(a) - qRed(b)), qAbs(qGreen(a) - qGreen(b)),
+                                        qAbs(qBlue(a) - qBlue(b))});
+                if (d > tolerance && outliers++ == 0)
+                    where = QPoint(x, y);
+            }
+        const int allowed = tolerance == 0 ? 0 : width * height / 100;
+        QVERIFY2(outliers <= allowed,
+                 qPrintable(QString("%1 pixels off, the first at %2,%3").arg(outliers).arg(where.x()).arg(where.y())));
+
+        // The objects are really there: where the drawn objects changed the bare
+        // background clearly, the file has the objects' colours, not the background's.
+        QImage bare(width, height, QImage::Format_ARGB32_Premultiplied);
+        {
+            cGraphics g;
+            g.CreateFromHdc(&bare);
+            g.SetInterpolationMode(InterpolationModeHighQualityBicubic);
+            g.DrawImageRectI(m_doc->Background(), 0, 0, width, height);
+        }
+        bare = bare.convertToFormat(QImage::Format_ARGB32);
+        auto distance = [](QRgb a, QRgb b) {
+            return qAbs(qRed(a) - qRed(b)) + qAbs(qGreen(a) - qGreen(b)) + qAbs(qBlue(a) - qBlue(b));
+        };
+        int objectPixels = 0, right = 0;
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                const QRgb e = expected.pixel(x, y), b = bare.pixel(x, y), a = back.pixel(x, y);
+                if (distance(e, b) > 90) {
+                    ++objectPixels;
+                    right += distance(a, e) < distance(a, b);
+                }
+            }
+        QVERIFY2(objectPixels > 50, qPrintable(QString::number(objectPixels)));
+        QVERIFY2(right >= objectPixels * 97 / 100, qPrintable(QString("%1 of %2").arg(right).arg(objectPixels)));
+    }
+
+    void unknownFormatWritesNothing_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("xyz") << "picture.xyz" << "(xyz) Unknown image format. Choose a different one";
+        // With no dot the whole path is taken for the extension.
+        QTest::newRow("no extension") << "picture" << "(%1) Unknown image format. Choose a different one";
+    }
+    void unknownFormatWritesNothing()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, text);
+        QVERIFY(!LayoutSaveImageFile(*m_doc, m_out + u'/' + name, 200, 160, 90));
+        if (text.contains("%1"))
+            text = text.arg(m_out + u'/' + name);
+        QCOMPARE(filesIn(m_out), QStringList());
+        QCOMPARE(m_dialogs->messages.size(), 1);
+        QCOMPARE(m_dialogs->messages[0].text, ErrorBoxText(text));
+        QVERIFY(LoggedErrors().isEmpty());
+    }
+
+    // Stopping at any point leaves neither the file nor a temporary beside it, and an
+    // older picture of the same name stays as it was.
+    void cancelLeavesNoFile_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<double>("stopAt");
+        QTest::addColumn<bool>("existing");
+        QTest::newRow("png at once") << "a.png" << 0.0 << false;
+        QTest::newRow("png half-way") << "a.png" << 0.5 << false;
+        QTest::newRow("jpg near the end") << "a.jpg" << 0.95 << false;
+        QTest::newRow("bmp half-way") << "a.bmp" << 0.5 << false;
+        QTest::newRow("gif half-way") << "a.gif" << 0.5 << false;
+        QTest::newRow("png over an old file") << "a.png" << 0.5 << true;
+    }
+    void cancelLeavesNoFile()
+    {
+        QFETCH(QString, name);
+        QFETCH(double, stopAt);
+        QFETCH(bool, existing);
+        const QString path = m_out + u'/' + name;
+        if (existing)
+            WriteFile(path, "old picture");
+        double last = -1;
+        bool ordered = true;
+        const ImageExportResult r = RenderLayoutImage(*m_doc, path, 2000, 1600, 90, [&](double f) {
+            ordered = ordered && f >= last;
+            last = f;
+            return f < stopAt;
+        });
+        QCOMPARE(r.status, ImageExportResult::Cancelled);
+        QVERIFY(ordered);
+        QVERIFY(last >= stopAt);
+        QCOMPARE(filesIn(m_out), existing ? QStringList{name} : QStringList());
+        if (existing)
+            QCOMPARE(ReadAll(path), QByteArray("old picture"));
+    }
+
+    void progressReachesTheEnd()
+    {
+        double last = -1;
+        const ImageExportResult r = RenderLayoutImage(*m_doc, m_out + "/a.jpg", 2000, 1600, 90, [&](double f) {
+            last = f;
+            return true;
+        });
+        QCOMPARE(r.status, ImageExportResult::Written);
+        QCOMPARE(last, 1.0);
+    }
+
+    void failures_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QString>("logged");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("missing folder") << "missing/a.png" << QSize(200, 160)
+                                        << "76: Path not found in cGDIP.SaveBitmapToFile" << "";
+        QTest::newRow("zero width") << "a.png" << QSize(0, 160)
+                                    << "5: The picture must be at least 1 x 1 pixels in frmLayout.LayoutSaveImageFile"
+                                    << "";
+        QTest::newRow("no memory") << "a.png" << QSize(200000, 200000) << ""
+                                   << "A picture of 200000 x 200000 pixels needs";
+    }
+    void failures()
+    {
+        QFETCH(QString, name);
+        QFETCH(QSize, size);
+        QFETCH(QString, logged);
+        QFETCH(QString, shown);
+        QVERIFY(!LayoutSaveImageFile(*m_doc, m_out + u'/' + name, size.width(), size.height(), 90));
+        QCOMPARE(LoggedErrors(), logged.isEmpty() ? QStringList() : QStringList{logged});
+        QCOMPARE(m_dialogs->messages.size(), 1);
+        if (!shown.isEmpty())
+            QVERIFY2(m_dialogs->messages[0].text.startsWith(shown), qPrintable(m_dialogs->messages[0].text));
+        QCOMPARE(filesIn(m_out), QStringList());
+    }
+};
+
+QTEST_MAIN(TestImageExport)
+#include "tst_imageexport.moc"
