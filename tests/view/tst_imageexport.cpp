@@ -3,7 +3,7 @@
 // drawn in one piece the plain way. Positions are scaled in single precision: at a scale
 // of 203 / 200 the X of 100 lands on 101.5 exactly and goes to 102.
 
-#include "core/DocumentFixture.h"
+#include "support/DocumentFixture.h"
 #include "imaging/cGraphics.h"
 #include "view/LayoutImageExport.h"
 #include "view/SaveImageRules.h"

@@ -6,6 +6,7 @@
 #include "app/Language.h"
 #include "app/Startup.h"
 #include "app/ui/Editbar.h"
+#include "app/ui/frmOptions.h"
 #include "catalogue/ObjectKinds.h"
 #include "catalogue/PackList.h"
 #include "catalogue/ui/Objectbar.h"
@@ -289,9 +290,15 @@ void frmMDI::Redo()
 
 void frmMDI::ShowOptions()
 {
-    dialogs().message(QStringLiteral("Varno keeps its settings in\r\n") + ConfigPath()
-                          + QStringLiteral("\r\n\r\nThe options dialog is not available in this version yet."),
-                      Lang(50), MsgIcon::Information);
+    if (!::ShowOptions(this, [this] { return m_recent.items(); }))
+        return;
+    // A saved dialog may have changed the language: every caption is read again.
+    guarded(QStringLiteral("frmMDI.ShowOptions"), [&] {
+        setCaptions();
+        m_palette->Initilize();
+        refreshCatalogue();
+        refreshEditbar();
+    });
 }
 
 void frmMDI::ShowAbout()

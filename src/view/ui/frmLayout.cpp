@@ -11,6 +11,7 @@
 #include "imaging/cGraphics.h"
 #include "view/DocumentEdit.h"
 #include "view/ui/LayoutCanvas.h"
+#include "view/ui/LayoutSaveImage.h"
 #include "view/ui/LayoutTool.h"
 
 #include <QFileInfo>
@@ -383,6 +384,5 @@ bool frmLayout::QueryClose()
 
 void frmLayout::LayoutSaveImage()
 {
-    dialogs().message(QStringLiteral("Saving to an image is not available in this build yet."), Lang(57),
-                      MsgIcon::Information);
+    ::LayoutSaveImage(m_doc, this);
 }

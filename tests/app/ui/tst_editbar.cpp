@@ -3,7 +3,7 @@
 
 #include "app/ui/Editbar.h"
 #include "app/ui/RotateButton.h"
-#include "core/DocumentFixture.h"
+#include "support/DocumentFixture.h"
 
 #include <QLabel>
 #include <QPushButton>

@@ -1,7 +1,7 @@
 // The Save to image command with its dialogs: the save dialog's request, the size
 // dialog's labels, boxes and quality rule, and the whole flow to a written file.
 
-#include "core/DocumentFixture.h"
+#include "support/DocumentFixture.h"
 #include "view/ui/LayoutSaveImage.h"
 #include "view/ui/frmSave.h"
 
