@@ -35,6 +35,7 @@ frmLayout::frmLayout(QWidget *parent) : QWidget(parent)
 
     m_bars = new cScrollbars(m_hbar, m_vbar, m_canvas, this);
     connect(m_bars, &cScrollbars::ValueChanged, this, [this](int bar, int value) {
+        m_fitPending = false;
         m_view.setScroll(bar, value);
         Draw();
     });
@@ -350,6 +351,8 @@ void frmLayout::canvasResized(int width, int height)
 {
     guarded(QStringLiteral("frmLayout.Form_Resize"), [&] {
         m_view.setClientSize(width, height);
+        // Until the user zooms, a new layout keeps fitting the window: the window
+        // takes its final size only after it has been shown.
         if (m_fitPending && width > 0 && height > 0 && m_view.backgroundWidth() > 0) {
             applyFirstFit();
             return;
@@ -363,11 +366,11 @@ void frmLayout::canvasResized(int width, int height)
 // A newly opened layout shows the whole area, centred on the start.
 void frmLayout::applyFirstFit()
 {
-    m_fitPending = false;
     const double fit = std::min(double(m_view.clientWidth()) / m_view.backgroundWidth(),
                                 double(m_view.clientHeight()) / m_view.backgroundHeight());
     m_view.setZoom(float(fit));
     GoToStart();
+    m_fitPending = true; // setZoom above does not count as the user's choice
 }
 
 bool frmLayout::QueryClose()

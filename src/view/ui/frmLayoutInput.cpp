@@ -153,6 +153,8 @@ void frmLayout::PointerMove(Qt::MouseButtons buttons, Qt::KeyboardModifiers modi
 void frmLayout::mouseEvent(QMouseEvent *event)
 {
     const QPoint pos = event->position().toPoint();
+    if (event->type() != QEvent::MouseMove)
+        m_fitPending = false;
     const bool zoomTool = m_tool == ToolZoom;
     const auto isPanButton = [&](Qt::MouseButton b) {
         return b == Qt::MiddleButton || (b == Qt::RightButton && !zoomTool);
