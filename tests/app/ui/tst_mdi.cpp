@@ -1,0 +1,293 @@
+// The main window as a user meets it: pop-ups, status texts, change mode, closing with
+// unsaved work, and one whole session driven by synthesized mouse and key events.
+
+#include "app/Language.h"
+#include "app/Startup.h"
+#include "app/ui/Editbar.h"
+#include "app/ui/RotateButton.h"
+#include "app/ui/frmMDI.h"
+#include "catalogue/ObjectKinds.h"
+#include "catalogue/PaletteRows.h"
+#include "catalogue/ui/Objectbar.h"
+#include "support/TestSupport.h"
+#include "view/ObjectClipboard.h"
+#include "view/ui/frmLayout.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QToolButton>
+#include <QtTest>
+#include <optional>
+
+namespace {
+
+void send(QWidget *w, QEvent::Type type, const QPoint &pos, Qt::MouseButton button, Qt::MouseButtons buttons,
+          Qt::KeyboardModifiers mods = Qt::NoModifier)
+{
+    QMouseEvent e(type, QPointF(pos), w->mapToGlobal(QPointF(pos)), button, buttons, mods);
+    QApplication::sendEvent(w, &e);
+}
+
+QString objectsOf(const LayoutDocument &doc)
+{
+    QStringList out;
+    for (const varnoObject &o : doc.Objects())
+        out << QStringLiteral("%1@%2,%3 a%4").arg(o.ID()).arg(o.X()).arg(o.Y()).arg(o.Angle());
+    out.sort();
+    return out.join(QStringLiteral("; "));
+}
+
+} // namespace
+
+class TestMdi : public QObject {
+    Q_OBJECT
+    std::optional<TempAppFolder> m_app;
+    std::optional<ScriptedDialogs> m_dialogs;
+    Options m_previous;
+
+    // Drags kind from the palette onto the document canvas at canvas point `at`.
+    void dragFromPalette(frmMDI &mdi, int kind, const QPoint &at)
+    {
+        Objectbar *bar = mdi.palette();
+        const int panel = ObjectKindAt(kind).Category;
+        bar->ClickPanel(int16_t(panel));
+        const int row = int(PanelKinds(panel).indexOf(int16_t(kind)));
+        QVERIFY(row >= 0);
+        QWidget *canvas = bar->canvas();
+        const QPoint cell(Palette::CellLeft + 24, PaletteRowTop(row, bar->ScrollPosition(panel)) + 24);
+        send(canvas, QEvent::MouseMove, cell, Qt::NoButton, Qt::NoButton);
+        QCOMPARE(int(bar->HotItem()), kind);
+        send(canvas, QEvent::MouseButtonPress, cell, Qt::LeftButton, Qt::LeftButton);
+        QWidget *target = mdi.CurrentLayout()->canvas();
+        const QPoint onTarget = canvas->mapFromGlobal(target->mapToGlobal(at));
+        send(canvas, QEvent::MouseMove, (cell + onTarget) / 2, Qt::NoButton, Qt::LeftButton);
+        send(canvas, QEvent::MouseMove, onTarget, Qt::NoButton, Qt::LeftButton);
+        send(canvas, QEvent::MouseButtonRelease, onTarget, Qt::LeftButton, Qt::NoButton);
+    }
+
+private slots:
+    void init()
+    {
+        m_previous = options();
+        m_app.emplace(true);
+        m_dialogs.emplace();
+        options() = Options::defaults();
+        options().Language = m_app->file(QStringLiteral("lang/English.lng"));
+        options().SaveFolder = m_app->file(QStringLiteral("layouts"));
+        LoadLanguage();
+        objectClipboard() = ObjectClipboard();
+    }
+    void cleanup()
+    {
+        m_dialogs.reset();
+        m_app.reset();
+        options() = m_previous;
+    }
+
+    void newMenuKeepsTheCodes()
+    {
+        WriteFile(m_app->file(QStringLiteral("lang/Other.lng")),
+                  "025 Rennstrecke\r\n029 Parkplatz\r\n030 Neu\r\n");
+        options().Language = m_app->file(QStringLiteral("lang/Other.lng"));
+        LoadLanguage();
+        frmMDI mdi;
+        const QList<QAction *> items = mdi.newMenu()->actions();
+        QCOMPARE(items[0]->text(), QStringLiteral("AU1 - Rennstrecke"));
+        QCOMPARE(items[2]->text(), QStringLiteral("AU3 - Drag Strip"));
+        QCOMPARE(items[4]->text(), QStringLiteral("BL3 - Parkplatz"));
+        QCOMPARE(mdi.toolAction(1)->text(), QStringLiteral("Neu"));
+        // A new layout's file name comes from the fixed code and entry 104.
+        mdi.NewLayout(4);
+        QCOMPARE(mdi.CurrentLayout()->LayoutName(), QStringLiteral("BL3_untitled.lyt"));
+        mdi.NewLayout(5); // no such item
+        QCOMPARE(mdi.LayoutCount(), 1);
+    }
+
+    void percent_data()
+    {
+        QTest::addColumn<double>("factor");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("1") << 1.0 << "100%";
+        QTest::newRow("smallest zoom") << 0.03125 << "3%";
+        QTest::newRow("half rounds away") << 0.125 << "13%";
+        QTest::newRow("largest zoom") << 8.0 << "800%";
+        QTest::newRow("zero shows no digits") << 0.0 << "%";
+    }
+    void percent()
+    {
+        QFETCH(double, factor);
+        QFETCH(QString, text);
+        QCOMPARE(frmMDI::FormatPercent(factor), text);
+    }
+
+    void statusPanels()
+    {
+        frmMDI mdi;
+        mdi.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&mdi));
+        mdi.NewLayout(0);
+        frmLayout *l = mdi.CurrentLayout();
+        QVERIFY(l);
+        l->setZoom(1.0f);
+        QCOMPARE(mdi.panelText(4), QStringLiteral(" Zoom: 100%"));
+        l->setObjectZoom(25);
+        mdi.ToolbarClick(10); // 12.5 goes to the even neighbour
+        QCOMPARE(l->ObjectZoom(), int16_t(12));
+        QCOMPARE(mdi.panelText(5), QStringLiteral(" Object Zoom: 12%"));
+        mdi.ToolbarClick(9);
+        QCOMPARE(l->ObjectZoom(), int16_t(24));
+        mdi.ToolbarClick(6);
+        QCOMPARE(mdi.panelText(4), QStringLiteral(" Zoom: 200%"));
+        l->setLaps(3);
+        QCOMPARE(mdi.panelText(2), QStringLiteral(" Laps: 3"));
+        QCOMPARE(mdi.lapsBox()->value(), 3);
+        mdi.lapsBox()->setValue(5);
+        QCOMPARE(l->Laps(), uint8_t(5));
+        // The two tool buttons exclude each other and follow the keyboard.
+        mdi.toolAction(12)->trigger();
+        QCOMPARE(l->Tool(), int(ToolMeasure));
+        mdi.toolAction(13)->trigger();
+        QCOMPARE(l->Tool(), int(ToolLine));
+        QVERIFY(!mdi.toolAction(12)->isChecked());
+        mdi.toolAction(13)->trigger();
+        QCOMPARE(l->Tool(), int(ToolSelect));
+        QTest::keyClick(l->canvas(), Qt::Key_M, Qt::ControlModifier);
+        QVERIFY(mdi.toolAction(12)->isChecked());
+    }
+
+    void recentItems()
+    {
+        frmMDI mdi;
+        const QString good = m_app->file(QStringLiteral("layouts/AU1_good.lyt"));
+        const QString gone = m_app->file(QStringLiteral("layouts/XYZ_gone.lyt"));
+        mdi.RecentAdd(good);
+        mdi.RecentAdd(gone);
+        mdi.RecentAdd(QString());
+        QCOMPARE(mdi.recentFiles().items(), (QStringList{gone, good, QString()}));
+        mdi.OpenRecent(0); // cannot be opened: it leaves the list
+        QCOMPARE(mdi.recentFiles().items(), (QStringList{good, QString()}));
+        mdi.OpenRecent(1); // the empty item does nothing
+        QCOMPARE(mdi.LayoutCount(), 0);
+        mdi.RecentRemove(good);
+        QCOMPARE(mdi.recentFiles().items(), QStringList{QString()});
+    }
+
+    void changeMode()
+    {
+        frmMDI mdi;
+        mdi.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&mdi));
+        mdi.NewLayout(0);
+        frmLayout *l = mdi.CurrentLayout();
+        int16_t a = 0;
+        uint8_t w = 0;
+        bool fv = false, sel = true;
+        l->document().ObjectAdd(20, 300, 300, a, w, fv, sel);
+        l->SelectionUpdate(true);
+        l->document().RaiseUpdates();
+        emit mdi.editbar()->ChangeClicked();
+        QVERIFY(mdi.ChangeMode());
+        QCOMPARE(mdi.panelText(1), Lang(150));
+        l->hint(QStringLiteral("something else")); // messages stay out while the mode is on
+        QCOMPARE(mdi.panelText(1), Lang(150));
+        emit mdi.palette()->ItemClicked(31);
+        QCOMPARE(l->document().Objects().At(0).ID(), uint8_t(31));
+        emit mdi.editbar()->ChangeClicked();
+        QVERIFY(!mdi.ChangeMode());
+        QCOMPARE(mdi.panelText(1), QString());
+        emit mdi.palette()->ItemClicked(21); // outside change mode a click changes nothing
+        QCOMPARE(l->document().Objects().At(0).ID(), uint8_t(31));
+    }
+
+    void cancelStopsTheWholeClose()
+    {
+        frmMDI mdi;
+        mdi.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&mdi));
+        mdi.NewLayout(0);
+        mdi.NewLayout(1);
+        mdi.CurrentLayout()->ObjectAdd(20, 100, 100);
+        QVERIFY(mdi.CurrentLayout()->Edited());
+        m_dialogs->answers << MsgResult::Cancel;
+        QVERIFY(!mdi.close());
+        QCOMPARE(mdi.LayoutCount(), 2);
+        QCOMPARE(m_dialogs->messages.last().text, QStringLiteral("Save changes before closing?"));
+        QVERIFY(!QFileInfo::exists(ConfigPath())); // nothing written while the window stays
+        m_dialogs->answers << MsgResult::No;
+        QVERIFY(mdi.close());
+        QCOMPARE(mdi.LayoutCount(), 0);
+        QVERIFY(QFileInfo::exists(ConfigPath()));
+    }
+
+    // New AU1 layout; a cone and a start dragged in from the palette; both selected
+    // with a box; turned 90 degrees with the edit bar; copied and pasted into a second
+    // layout; saved, closed, reopened: the same objects are there.
+    void userStory()
+    {
+        frmMDI mdi;
+        mdi.resize(1280, 800);
+        mdi.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&mdi));
+        mdi.NewLayout(0);
+        frmLayout *first = mdi.CurrentLayout();
+        QVERIFY(first);
+        first->setZoom(1.0f);
+        first->centreOn(800, 1300);
+        QTest::qWait(0);
+
+        const QPoint conePos(200, 200), startPos(300, 260);
+        dragFromPalette(mdi, 20, conePos);
+        dragFromPalette(mdi, Kind::Start, startPos);
+        QCOMPARE(first->ObjectCount(), int16_t(2));
+        QCOMPARE(first->undoStack()->count(), 2);
+        // Start is placed, so the palette no longer offers it.
+        QVERIFY(!ObjectKindAt(Kind::Start).Available);
+
+        // A box around both selects them, and the edit bar shows the group.
+        QWidget *canvas = first->canvas();
+        send(canvas, QEvent::MouseButtonPress, QPoint(150, 150), Qt::LeftButton, Qt::LeftButton);
+        send(canvas, QEvent::MouseMove, QPoint(250, 250), Qt::NoButton, Qt::LeftButton);
+        send(canvas, QEvent::MouseMove, QPoint(350, 320), Qt::NoButton, Qt::LeftButton);
+        send(canvas, QEvent::MouseButtonRelease, QPoint(350, 320), Qt::LeftButton, Qt::NoButton);
+        QCOMPARE(first->document().Selection().size(), 2);
+        QCOMPARE(mdi.editbar()->lblName()->text(), QStringLiteral("Group selection (2)"));
+
+        // A right click on the clockwise button turns the group by +90.
+        QWidget *cw = mdi.editbar()->cmdRotate(1);
+        const QPoint mid = cw->rect().center();
+        send(cw, QEvent::MouseButtonPress, mid, Qt::RightButton, Qt::RightButton);
+        send(cw, QEvent::MouseButtonRelease, mid, Qt::RightButton, Qt::NoButton);
+        for (const varnoObject &o : first->document().Objects())
+            QCOMPARE(o.Angle(), int16_t(90));
+        const QString turned = objectsOf(first->document());
+
+        QTest::keyClick(canvas, Qt::Key_C, Qt::ControlModifier);
+        mdi.NewLayout(1);
+        frmLayout *second = mdi.CurrentLayout();
+        QVERIFY(second != first);
+        second->setZoom(1.0f);
+        second->PointerMove(Qt::NoButton, Qt::NoModifier, QPointF(300, 300));
+        QTest::keyClick(second->canvas(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(second->ObjectCount(), int16_t(2));
+
+        // Save As (an untitled layout always asks for a name), close and open again.
+        const QString file = m_app->file(QStringLiteral("layouts/AU1_story.lyt"));
+        m_dialogs->saveAnswers << file;
+        mdi.tabs()->setCurrentWidget(first);
+        mdi.SaveCommand(0);
+        QVERIFY(QFileInfo::exists(file));
+        QVERIFY(!first->Edited());
+        QVERIFY(mdi.CloseLayout(first));
+        QVERIFY(mdi.LayoutAdd(file));
+        QCOMPARE(objectsOf(mdi.CurrentLayout()->document()), turned);
+        QCOMPARE(mdi.recentFiles().items().first(), file);
+    }
+};
+
+QTEST_MAIN(TestMdi)
+#include "tst_mdi.moc"
