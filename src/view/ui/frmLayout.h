@@ -129,6 +129,8 @@ private:
     void canvasResized(int width, int height);
     void mouseEvent(QMouseEvent *event);
     void onRestored();
+    // Keeps a view point as the last pointer position, in layout units.
+    void setPointerAt(const QPointF &viewPos);
     void applyFirstFit();
     LayoutTool *activeTool() const;
 

@@ -130,16 +130,21 @@ void frmLayout::KeyDown(int keyCode, int shift)
     });
 }
 
+void frmLayout::setPointerAt(const QPointF &viewPos)
+{
+    int32_t x = rt::toInt32(double(viewPos.x()));
+    int32_t y = rt::toInt32(double(viewPos.y()));
+    m_view.viewToLayout(x, y);
+    m_pointerX = rt::toInt16(static_cast<long long>(x));
+    m_pointerY = rt::toInt16(static_cast<long long>(y));
+    m_doc.setPointer(m_pointerX, m_pointerY);
+}
+
 void frmLayout::PointerMove(Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers, const QPointF &viewPos)
 {
     guarded(QStringLiteral("frmLayout.Form_MouseMove"), [&] {
         m_lastViewPos = viewPos;
-        int32_t x = rt::toInt32(double(viewPos.x()));
-        int32_t y = rt::toInt32(double(viewPos.y()));
-        m_view.viewToLayout(x, y);
-        m_pointerX = rt::toInt16(static_cast<long long>(x));
-        m_pointerY = rt::toInt16(static_cast<long long>(y));
-        m_doc.setPointer(m_pointerX, m_pointerY);
+        setPointerAt(viewPos);
         LayoutTool *tool = activeTool();
         ToolEvent e;
         e.pos = viewPos.toPoint();
@@ -201,11 +206,7 @@ void frmLayout::mouseEvent(QMouseEvent *event)
     LayoutTool *tool = activeTool();
     guarded(QStringLiteral("frmLayout.Form_MouseDown"), [&] {
         // Presses and releases report the pointer too, as moves do.
-        int32_t x = pos.x(), y = pos.y();
-        m_view.viewToLayout(x, y);
-        m_pointerX = rt::toInt16(static_cast<long long>(x));
-        m_pointerY = rt::toInt16(static_cast<long long>(y));
-        m_doc.setPointer(m_pointerX, m_pointerY);
+        setPointerAt(pos);
         if (event->type() == QEvent::MouseButtonRelease)
             tool->release(e);
         else
@@ -280,11 +281,7 @@ void frmLayout::DropKind(int kind, const QPoint &viewPos)
     if (kind < 0 || kind >= KindCount)
         return;
     guarded(QStringLiteral("frmLayout.ObjectAdd"), [&] {
-        int32_t x = viewPos.x(), y = viewPos.y();
-        m_view.viewToLayout(x, y);
-        m_pointerX = rt::toInt16(static_cast<long long>(x));
-        m_pointerY = rt::toInt16(static_cast<long long>(y));
-        m_doc.setPointer(m_pointerX, m_pointerY);
+        setPointerAt(viewPos);
         record(Lang(210 + kind), 0, [&] {
             // The dropped object becomes the selection, ready to be turned or moved.
             const int before = m_doc.Objects().Count();
