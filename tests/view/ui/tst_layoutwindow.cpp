@@ -6,6 +6,8 @@
 #include "core/LayoutDocument.h"
 
 #include <QSignalSpy>
+#include <QWheelEvent>
+#include <cmath>
 
 namespace {
 
@@ -425,6 +427,61 @@ private slots:
         QVERIFY(!m_w->Edited()); // back at the saved point
         m_w->Undo();
         QVERIFY(m_w->Edited()); // before the saved point
+    }
+
+    void viewCommands()
+    {
+        // Ctrl or Shift with the wheel doubles or halves the zoom; a plain wheel scrolls.
+        auto wheel = [&](int delta, Qt::KeyboardModifiers mods) {
+            QWidget *c = m_w->canvas();
+            QWheelEvent e(QPointF(100, 100), c->mapToGlobal(QPointF(100, 100)), QPoint(), QPoint(0, delta),
+                          Qt::NoButton, mods, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(c, &e);
+        };
+        wheel(120, Qt::ControlModifier);
+        QCOMPARE(m_w->Zoom(), 2.0f);
+        wheel(-120, Qt::ShiftModifier);
+        QCOMPARE(m_w->Zoom(), 1.0f);
+        const int32_t before = m_w->view().ScrollY();
+        wheel(-120, Qt::NoModifier);
+        QVERIFY(m_w->view().ScrollY() > before);
+        QCOMPARE(m_w->Zoom(), 1.0f);
+
+        // Zoom to the selection fits its box (with a margin) and centres it.
+        addTo(*m_w, 20, 400, 300, 0, 0, true);
+        addTo(*m_w, 20, 600, 400, 0, 0, true);
+        m_w->ZoomToSelection();
+        const ViewGeometry &v = m_w->view();
+        QVERIFY(m_w->Zoom() > 1.0f);
+        int32_t cx = v.clientWidth() / 2, cy = v.clientHeight() / 2;
+        m_w->view().viewToLayout(cx, cy);
+        QVERIFY(qAbs(cx - 500) <= 1 && qAbs(cy - 350) <= 1);
+        for (const QPoint &p : {viewOf(*m_w, 400, 300), viewOf(*m_w, 600, 400)})
+            QVERIFY(QRect(0, 0, v.clientWidth(), v.clientHeight()).contains(p));
+    }
+
+    void goToStartAndBackground()
+    {
+        auto au2 = m_fx->window(QStringLiteral("AU2_start.lyt"));
+        QVERIFY(au2);
+        au2->GoToStart(); // no start of its own: the type's marker at 831, 549
+        const ViewGeometry &v = au2->view();
+        QCOMPARE(v.ScrollX(), std::min(int32_t(std::lround(831 - v.VisibleWidth() / 2.0)), 1000 - v.VisibleWidth()));
+        QCOMPARE(v.ScrollY(), std::min(int32_t(std::lround(549 - v.VisibleHeight() / 2.0)), 800 - v.VisibleHeight()));
+        addTo(*au2, 0, 200, 150);
+        au2->GoToStart();
+        QCOMPARE(v.ScrollX(), 0); // centring on 200 clamps at the left edge
+
+        // Another picture from the backgrounds folder: new bounds, the same scale.
+        QImage big(2000, 1600, QImage::Format_RGB32);
+        big.fill(Qt::gray);
+        big.save(m_fx->app.file(QStringLiteral("backgrounds/wide.png")));
+        const float scale = au2->document().BackgroundScale();
+        au2->setBGName(QStringLiteral("wide.png"));
+        QCOMPARE(au2->BGName(), m_fx->app.file(QStringLiteral("backgrounds/wide.png")));
+        QCOMPARE(au2->document().BoundsWidth(), 2000);
+        QCOMPARE(v.backgroundWidth(), 2000);
+        QCOMPARE(au2->document().BackgroundScale(), scale);
     }
 
     void paint()
