@@ -19,6 +19,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QSpinBox>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QTabBar>
 #include <QTabWidget>
@@ -42,11 +43,18 @@ frmMDI::frmMDI(QWidget *parent) : QMainWindow(parent)
     setAcceptDrops(true);
     resize(1280, 800);
 
-    m_tabs = new QTabWidget(this);
+    // With no layout open the frame shows where to start instead of an empty hole.
+    m_central = new QStackedWidget(this);
+    m_welcome = new QLabel(m_central);
+    m_welcome->setAlignment(Qt::AlignCenter);
+    m_welcome->setEnabled(false);
+    m_tabs = new QTabWidget(m_central);
     m_tabs->setDocumentMode(true);
     m_tabs->setTabsClosable(true);
     m_tabs->setMovable(false);
-    setCentralWidget(m_tabs);
+    m_central->addWidget(m_welcome);
+    m_central->addWidget(m_tabs);
+    setCentralWidget(m_central);
     connect(m_tabs, &QTabWidget::currentChanged, this,
             [this](int index) { setCurrent(qobject_cast<frmLayout *>(m_tabs->widget(index))); });
     connect(m_tabs, &QTabWidget::tabCloseRequested, this,
@@ -273,6 +281,7 @@ void frmMDI::setCaptions()
     m_undo->setToolTip(Lang(34) + QStringLiteral(" (Alt+Backspace)"));
     m_redo->setToolTip(Lang(35) + QStringLiteral(" (Ctrl+Y)"));
     m_lapsLabel->setText(Lang(65));
+    m_welcome->setText(Lang(30) + QStringLiteral("  /  ") + Lang(31) + QStringLiteral("  (*.lyt)"));
     if (m_current)
         CurrentLayout_Updated();
 }

@@ -16,6 +16,7 @@ class QDockWidget;
 class QLabel;
 class QMenu;
 class QSpinBox;
+class QStackedWidget;
 class QTabWidget;
 class QToolButton;
 class QAction;
@@ -95,6 +96,8 @@ private:
 
     RecentFiles m_recent;
     QPointer<frmLayout> m_current;
+    QStackedWidget *m_central = nullptr;
+    QLabel *m_welcome = nullptr;
     QTabWidget *m_tabs = nullptr;
     Objectbar *m_palette = nullptr;
     Editbar *m_editbar = nullptr;

@@ -22,6 +22,7 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QSpinBox>
+#include <QStackedWidget>
 #include <QTabWidget>
 #include <QUrl>
 
@@ -79,6 +80,7 @@ void frmMDI::setCurrent(frmLayout *layout)
         disconnect(m_current, nullptr, this, nullptr);
     m_current = layout;
     const bool open = layout != nullptr;
+    m_central->setCurrentIndex(m_tabs->count() > 0 ? 1 : 0);
     for (int b : {3, 4, 6, 7, 9, 10, 12, 13})
         if (QAction *a = toolAction(b))
             a->setEnabled(open);
