@@ -25,6 +25,7 @@
 #include <QTabWidget>
 #include <QToolBar>
 #include <QToolButton>
+#include <functional>
 
 namespace {
 // How long a message stays in the first panel.
@@ -72,6 +73,21 @@ frmMDI::frmMDI(QWidget *parent) : QMainWindow(parent)
     buildStatusbar();
     buildDocks();
     setCaptions();
+
+    // The usual file keys; none of them is in a document's own key table.
+    const struct {
+        QKeySequence keys;
+        std::function<void()> run;
+    } fileKeys[] = {{QKeySequence(Qt::CTRL | Qt::Key_S), [this] { SaveCommand(0); }},
+                    {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), [this] { SaveCommand(1); }},
+                    {QKeySequence(Qt::CTRL | Qt::Key_O), [this] { OpenLayout(); }}};
+    for (const auto &k : fileKeys) {
+        auto *a = new QAction(this);
+        a->setShortcut(k.keys);
+        a->setShortcutContext(Qt::WindowShortcut);
+        connect(a, &QAction::triggered, this, k.run);
+        addAction(a);
+    }
 
     auto *quit = new QAction(this);
     quit->setShortcut(QKeySequence::Quit);
