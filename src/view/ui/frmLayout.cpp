@@ -168,9 +168,14 @@ void frmLayout::record(const QString &text, int mergeKey, const std::function<vo
 
 int frmLayout::mergeKeyFor(int kind)
 {
-    if (kind != m_lastMergeKind) {
+    // A series only goes on while it acts on the same objects.
+    QStringList selected;
+    for (const selObject &s : m_doc.Selection())
+        selected << s.strKey;
+    if (kind != m_lastMergeKind || selected != m_lastMergeSelection) {
         ++m_mergeSerial;
         m_lastMergeKind = kind;
+        m_lastMergeSelection = selected;
     }
     return kind * 1000000 + m_mergeSerial;
 }

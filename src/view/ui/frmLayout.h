@@ -8,6 +8,7 @@
 #include "view/ViewGeometry.h"
 
 #include <QPointer>
+#include <QStringList>
 #include <QUndoStack>
 #include <QWidget>
 #include <functional>
@@ -157,6 +158,7 @@ private:
     bool m_fitPending = true;
     int m_lastMergeKind = 0;
     int m_mergeSerial = 0;
+    QStringList m_lastMergeSelection;
     bool m_panning = false;
     QPoint m_panFrom;
 

@@ -409,6 +409,24 @@ private slots:
         QVERIFY2(LoggedErrors().isEmpty(), qPrintable(LoggedErrors().join('\n')));
     }
 
+    // Typed angles and nudges of one selection undo together; a new selection starts
+    // a new step even without a click in between.
+    void seriesMergeOnlyOnTheSameObjects()
+    {
+        standard();
+        m_w->ObjectRotate(10);
+        m_w->ObjectRotate(20);
+        QCOMPARE(m_w->undoStack()->count(), 1);
+        keys(*m_w, "Ctrl+A");
+        m_w->ObjectRotate(30);
+        QCOMPARE(m_w->undoStack()->count(), 2);
+        keys(*m_w, "Right Right");
+        QCOMPARE(m_w->undoStack()->count(), 3);
+        m_w->Undo();
+        m_w->Undo();
+        QCOMPARE(describe(m_w->document()), QStringLiteral("20@200,200 a20 w0*; 20@300,200 a0 w0*"));
+    }
+
     void savedPointIsTheCleanPoint()
     {
         m_fx->dialogs.saveAnswers << m_fx->layoutPath(QStringLiteral("AU1_saved.lyt"));
