@@ -23,8 +23,16 @@ struct Slot {
     DocumentState empty;
 };
 
-// A route checker's heading byte holds its number, so its angle is not kept, and its
-// width is written in steps of two.
+// A route checker's heading byte holds its number, so its angle is not kept; its width
+// is written in steps of two, and a width of 1 is written as 0, which reads as 10.
+int keptWidth(const varnoObject &o)
+{
+    if (o.ID() != 59)
+        return o.Width();
+    const int even = o.Width() / 2 * 2;
+    return even == 0 ? 10 : even;
+}
+
 QString objectsText(const LayoutDocument &doc)
 {
     QStringList out;
@@ -34,7 +42,7 @@ QString objectsText(const LayoutDocument &doc)
                    .arg(o.X())
                    .arg(o.Y())
                    .arg(o.ID() == 59 ? 0 : o.Angle())
-                   .arg(o.ID() == 59 ? o.Width() / 2 * 2 : o.Width());
+                   .arg(keptWidth(o));
     return out.join(QStringLiteral("; "));
 }
 

@@ -63,9 +63,9 @@ case "$target" in
   *) max_len=8192 ;;
 esac
 
-# Leaks are checked; Qt's own one-time allocations are listed in fuzz/lsan.supp.
+# Leaks are checked; Qt's own one-time allocations are listed in scripts/lsan.supp.
 export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1:${ASAN_OPTIONS:-}"
-export LSAN_OPTIONS="suppressions=$ROOT/fuzz/lsan.supp:print_suppressions=0:${LSAN_OPTIONS:-}"
+export LSAN_OPTIONS="suppressions=$ROOT/scripts/lsan.supp:print_suppressions=0:${LSAN_OPTIONS:-}"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:${UBSAN_OPTIONS:-}"
 export QT_QPA_PLATFORM=offscreen
 
