@@ -3,8 +3,8 @@
 #
 #   tools/fuzz.sh --list                 the target names
 #   tools/fuzz.sh TARGET SECONDS [ARGS]  build what is needed, then fuzz TARGET; extra
-#                                        ARGS go to libFuzzer (for example a crash file
-#                                        to replay it)
+#                                        ARGS go to libFuzzer; a file among them is
+#                                        replayed alone (tools/fuzz.sh fuzz_lyt 0 crash-…)
 #
 # The build lives in build-fuzz/ (clang, address and undefined-behaviour sanitizers). The
 # seeds in fuzz/corpus/TARGET/ are only read; what the fuzzer finds on top of them is
@@ -69,10 +69,16 @@ export LSAN_OPTIONS="suppressions=$ROOT/scripts/lsan.supp:print_suppressions=0:$
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:${UBSAN_OPTIONS:-}"
 export QT_QPA_PLATFORM=offscreen
 
+# A file among the extra arguments is replayed on its own, without the corpora.
+corpora=("$work" "$seeds")
+for a in "$@"; do
+  [ -f "$a" ] && corpora=()
+done
+
 start=$(date +%s)
 status=0
 "$BUILD/fuzz/$target" -max_total_time="$seconds" -max_len="$max_len" -timeout=60 -rss_limit_mb=4096 \
-  -print_final_stats=1 -artifact_prefix="$crashes/" "$@" "$work" "$seeds" || status=$?
+  -print_final_stats=1 -artifact_prefix="$crashes/" "$@" "${corpora[@]}" || status=$?
 end=$(date +%s)
 echo "$target $((end - start))" >> "$BUILD/fuzz-times.log"
 echo "$target ran $((end - start)) s, exit status $status"
