@@ -68,6 +68,11 @@ export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1:${ASAN_OPTIONS:-}"
 export LSAN_OPTIONS="suppressions=$ROOT/scripts/lsan.supp:print_suppressions=0:${LSAN_OPTIONS:-}"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:${UBSAN_OPTIONS:-}"
 export QT_QPA_PLATFORM=offscreen
+# libFuzzer ends the process without cleaning up, so the targets' scratch folder lives
+# here and is cleared on the next run.
+export TMPDIR="$BUILD/tmp"
+rm -rf "$TMPDIR"
+mkdir -p "$TMPDIR"
 
 # A file among the extra arguments is replayed on its own, without the corpora.
 corpora=("$work" "$seeds")
