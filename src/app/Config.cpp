@@ -185,6 +185,10 @@ bool SaveOptions(const QStringList &recentItems)
             rt::raise(openErrorFor(ConfigPath()) == rt::PathNotFound ? rt::PathNotFound : rt::PermissionDenied);
         if (file.write(bytes) != bytes.size())
             rt::raise(rt::DiskFull);
+        // The bytes sit in QSaveFile's buffer until now; commit() would swap the file in
+        // even when they cannot be written, leaving an empty Varno.cfg on a full disk.
+        if (!file.flush())
+            rt::raise(rt::DiskFull);
         if (!file.commit())
             rt::raise(rt::DeviceIOError);
     });

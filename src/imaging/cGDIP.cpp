@@ -114,6 +114,13 @@ bool cGDIP::WritePictureFile(const QImage &picture, const QString &fileName, int
         file.cancelWriting();
         return false;
     }
+    // The encoder's last bytes are still in QSaveFile's buffer, and commit() would swap
+    // in the file even when they cannot be written (an empty picture on a full disk),
+    // so they are flushed and checked first.
+    if (!file.flush()) {
+        file.cancelWriting();
+        rt::raise(rt::DiskFull);
+    }
     if (!file.commit()) {
         // Writing went through, so a failure here is the final flush or the swap.
         if (file.error() == QFileDevice::WriteError || file.error() == QFileDevice::ResourceError)

@@ -55,7 +55,8 @@ QImage drawAutocross()
     Rng rng(0xA0003);
     p.setBrush(Qt::NoBrush);
     for (int i = 0; i < 16; ++i) {
-        const QPointF c(rng.range(350, 1280), rng.range(450, 2250));
+        const double cy = rng.range(450, 2250); // Y first, see scatterTrees
+        const QPointF c(rng.range(350, 1280), cy);
         const double r = rng.range(120, 420);
         const double start = rng.range(0, 360);
         p.setPen(QPen(QColor(24, 24, 26, 24), rng.range(5, 9), Qt::SolidLine, Qt::RoundCap));

@@ -52,8 +52,10 @@ void scatterTrees(QPainter &p, const QRectF &area, const QPainterPath &keepOutAr
     int placed = 0;
     for (int attempt = 0; attempt < count * 20 && placed < count; ++attempt) {
         const double r = rng.range(m(2.2), m(4.0));
-        const QPointF at(rng.range(area.left() + r, area.right() - r),
-                         rng.range(area.top() + r, area.bottom() - r));
+        // Y is drawn before X, the order the committed pictures were made in; inside one
+        // argument list the order would be the compiler's choice.
+        const double y = rng.range(area.top() + r, area.bottom() - r);
+        const QPointF at(rng.range(area.left() + r, area.right() - r), y);
         const QRectF crown(at.x() - r - 4, at.y() - r - 4, 2 * r + 8, 2 * r + 8);
         if (keepOut.intersects(crown))
             continue;
@@ -90,8 +92,8 @@ void drawRoof(QPainter &p, const QRectF &r, uint32_t seed)
     const int units = int(r.width() * r.height() / 9000) + 2;
     for (int i = 0; i < units; ++i) {
         const double w = rng.range(12, 30), h = rng.range(10, 22);
-        const QPointF at(rng.range(r.left() + 14, r.right() - 14 - w),
-                         rng.range(r.top() + 14, r.bottom() - 14 - h));
+        const double y = rng.range(r.top() + 14, r.bottom() - 14 - h); // Y first, see scatterTrees
+        const QPointF at(rng.range(r.left() + 14, r.right() - 14 - w), y);
         p.setPen(QPen(QColor(100, 100, 106), 1));
         p.setBrush(i % 3 ? QColor(140, 142, 148) : QColor(200, 214, 224));
         p.drawRect(QRectF(at, QSizeF(w, h)));

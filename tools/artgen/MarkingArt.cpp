@@ -62,7 +62,8 @@ QImage chalkImage(const QPainterPath &shape, uint32_t seed)
     Rng rng(seed);
     const int grains = int(box.width() * box.height() * 170);
     for (int i = 0; i < grains; ++i) {
-        const QPointF at(rng.range(box.left(), box.right()), rng.range(box.top(), box.bottom()));
+        const double y = rng.range(box.top(), box.bottom()); // Y first, see scatterTrees
+        const QPointF at(rng.range(box.left(), box.right()), y);
         const double r = MetreCanvas::px(rng.range(0.35, 0.9));
         p.setBrush(QColor(0, 0, 0, int(rng.range(30, 90))));
         p.drawEllipse(at, r, r);

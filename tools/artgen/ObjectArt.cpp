@@ -12,8 +12,6 @@ namespace art {
 
 namespace {
 
-const QColor kOutline(28, 28, 30);
-
 // ---------------------------------------------------------------- banners
 
 constexpr double kBannerLength = 4.0;
@@ -192,7 +190,8 @@ QImage drawBale()
     // Loose straw: short strands, mostly along the bale.
     Rng rng(0xBA1E);
     for (int i = 0; i < 140; ++i) {
-        const QPointF a(rng.range(-w / 2, w / 2), rng.range(-h / 2, h / 2));
+        const double y = rng.range(-h / 2, h / 2); // Y first, see scatterTrees
+        const QPointF a(rng.range(-w / 2, w / 2), y);
         const double angle = rng.range(-0.35, 0.35);
         const double len = rng.range(0.06, 0.16);
         const bool dark = rng.uniform() < 0.55;

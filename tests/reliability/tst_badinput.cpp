@@ -1,0 +1,338 @@
+// One table of bad inputs. Each row hands Varno a broken or hostile input and states what
+// the user sees (the exact box texts, the logged lines, the status-bar refusals) and what
+// the document holds afterwards; for every row the files on disk stay exactly as they
+// were.
+
+#include "ReliabilitySupport.h"
+#include "support/DocumentFixture.h"
+
+#include "app/Config.h"
+#include "app/ErrorLog.h"
+#include "imaging/cGDIP.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QtTest>
+#include <functional>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// What a row works on: an application folder with a 1000 x 800 background, and an AU1
+// layout holding a cone and the start, saved and not edited since.
+struct Env {
+    DocumentFixture fx;
+    std::unique_ptr<LayoutDocument> base;
+    QStringList status; // refusals shown in the status bar
+
+    Env()
+    {
+        base = document(u"AU1_base.lyt"_s);
+        addObject(*base, 14, 100, 100);
+        addObject(*base, 0, 500, 400);
+        base->LayoutSave(false);
+        base->SelectionUpdate();
+    }
+    std::unique_ptr<LayoutDocument> document(const QString &name)
+    {
+        auto doc = std::make_unique<LayoutDocument>();
+        QObject::connect(doc.get(), &LayoutDocument::Message,
+                         [this](bool refusal, int16_t, int16_t, const QString &text) {
+                             if (refusal)
+                                 status << text;
+                         });
+        doc->setFileName(fx.layoutPath(name));
+        doc->LayoutLoadBG();
+        return doc;
+    }
+    QString layout(const QString &name, const QByteArray &bytes) { return WriteFile(fx.layoutPath(name), bytes); }
+    QString pack(const QString &name, const QByteArray &bytes) { return WriteFile(fx.app.file(u"packs/"_s + name), bytes); }
+};
+
+// Opens a layout in a new document: "opened" or "failed", the count, and the objects
+// when there are a few.
+QString open(Env &env, const QString &name)
+{
+    auto doc = env.document(name);
+    const bool ok = doc->LayoutOpen();
+    const int n = doc->Objects().Count();
+    return (ok ? u"opened "_s : u"failed "_s) + QString::number(n) + (n && n <= 3 ? u": "_s + objectsText(*doc) : QString());
+}
+
+QString dropPack(Env &env, const QString &name, int x, int y)
+{
+    env.base->PackRead(name, int16_t(x), int16_t(y));
+    return objectsText(*env.base);
+}
+
+QString readOptions()
+{
+    try {
+        GetOptions();
+    } catch (const rt::Error &e) {
+        return e.message();
+    }
+    return u"read"_s;
+}
+
+QString loadLanguage(Env &env)
+{
+    options().Language = env.fx.app.file(u"lang/Odd.lng"_s);
+    LoadLanguage();
+    const QString result = Lang(50) + u'|' + Lang(160);
+    options().Language = env.fx.app.file(u"lang/English.lng"_s);
+    LoadLanguage();
+    return result;
+}
+
+QString loadBackground(Env &env, const QString &picture)
+{
+    options().AU1 = picture;
+    auto doc = env.document(u"AU1_bg.lyt"_s);
+    return (doc->Background().isNull() ? u"no background "_s : u"background "_s)
+        + QString::number(doc->BoundsWidth()) + u'x' + QString::number(doc->BoundsHeight());
+}
+
+QString errorLine(int number, const QString &where)
+{
+    return rt::Error(number).message() + u" in "_s + where;
+}
+
+// "{app}" in an expected text stands for the application folder.
+struct Row {
+    const char *name;
+    std::function<void(Env &)> setup;  // puts the bad input in place
+    std::function<QString(Env &)> act; // hands it to Varno; returns what Varno made of it
+    QString result = {};
+    QStringList boxes = {};  // message box texts, in order
+    QStringList logged = {}; // Varno.log lines, in order
+    QStringList status = {}; // status-bar refusals
+    bool needsPermissions = false;
+};
+
+// The "Sorry :(" box of a logged error.
+QString sorry(const QString &line)
+{
+    return ErrorBoxText(line);
+}
+
+const QString kNotFound = u"\r\n\r\nNot found!?"_s;
+const QString kUnsupported = u"Unsupported layout. Currently only AU1, AU2, AU3, AU4 and BL3 are supported."_s;
+const QString kOutside = u"Object outside layout, cannot add"_s;
+const QString kBase = u"14@100,100 a0 w0; 0@500,400 a0 w0"_s;
+const QString kCone = u"14@724,400 a0 w0"_s; // the record below, read into a 1000 x 800 layout
+
+QByteArray cone()
+{
+    return lytRecord(0, -13224, 255, 0, 29, 128);
+}
+
+QByteArray packOf(int width, int height, QList<PackRecord> records)
+{
+    return PackBytes(int16_t(width), int16_t(height), records);
+}
+
+const QList<Row> &rows()
+{
+    static const QList<Row> table = [] {
+        const QString open62 = errorLine(62, u"frmLayout.LayoutOpen"_s);
+        const QString pack6 = errorLine(6, u"frmLayout.PackRead"_s);
+        const QString longName = u"AU1_"_s + QString(300, u'x') + u".lyt"_s;
+        QList<Row> t;
+        // --- layouts -----------------------------------------------------------------
+        t << Row{"truncated header", [](Env &e) { e.layout(u"AU1_short.lyt"_s, lytHeader(251, 1, 0).left(7)); },
+                 [](Env &e) { return open(e, u"AU1_short.lyt"_s); }, u"failed 0"_s, {sorry(open62)}, {open62}};
+        t << Row{"count above the records present",
+                 [](Env &e) { e.layout(u"AU1_count.lyt"_s, lytHeader(251, 3, 0) + cone()); },
+                 [](Env &e) { return open(e, u"AU1_count.lyt"_s); }, u"failed 1: "_s + kCone, {sorry(open62)}, {open62}};
+        t << Row{"count low byte of 128 or more",
+                 [](Env &e) { e.layout(u"AU1_200.lyt"_s, lytHeader(251, 200, 0) + cone().repeated(200)); },
+                 [](Env &e) { return open(e, u"AU1_200.lyt"_s); }, u"opened 200"_s, {}, {}};
+        t << Row{"count high byte of 128 or more",
+                 [](Env &e) {
+                     QByteArray bytes = lytHeader(251, 1, 0) + cone();
+                     bytes[9] = char(0x80);
+                     e.layout(u"AU1_neg.lyt"_s, bytes);
+                 },
+                 [](Env &e) { return open(e, u"AU1_neg.lyt"_s); }, u"failed 0"_s,
+                 {sorry(errorLine(6, u"frmLayout.LayoutOpen"_s))}, {errorLine(6, u"frmLayout.LayoutOpen"_s)}};
+        t << Row{"a folder named like a layout", [](Env &e) { QDir().mkpath(e.fx.layoutPath(u"AU1_dir.lyt"_s)); },
+                 [](Env &e) { return open(e, u"AU1_dir.lyt"_s); }, u"failed 0"_s,
+                 {u"{app}layouts/AU1_dir.lyt"_s + kNotFound}, {}};
+        t << Row{"an unreadable file",
+                 [](Env &e) {
+                     const QString path = e.layout(u"AU1_locked.lyt"_s, lytHeader(251, 1, 0) + cone());
+                     QFile::setPermissions(path, {});
+                     // nobody must reach the file to be refused it
+                     for (const QString &dir : {e.fx.app.path(), e.fx.layoutPath({})})
+                         QFile::setPermissions(dir, QFileDevice::Permissions(0x7777));
+                 },
+                 [](Env &e) {
+                     OrdinaryUser user;
+                     return open(e, u"AU1_locked.lyt"_s);
+                 },
+                 u"failed 0"_s, {sorry(errorLine(75, u"frmLayout.LayoutOpen"_s))},
+                 {errorLine(75, u"frmLayout.LayoutOpen"_s)}, {}, true};
+        t << Row{"an empty file", [](Env &e) { e.layout(u"AU1_empty.lyt"_s, {}); },
+                 [](Env &e) { return open(e, u"AU1_empty.lyt"_s); }, u"failed 0"_s, {sorry(open62)}, {open62}};
+        t << Row{"unknown type without objects", [](Env &e) { e.layout(u"XY2_none.lyt"_s, lytHeader(251, 0, 0)); },
+                 [](Env &e) { return open(e, u"XY2_none.lyt"_s); }, u"opened 0"_s, {u"XY2\r\n"_s + kUnsupported}, {}};
+        t << Row{"unknown type with objects", [](Env &e) { e.layout(u"XY2_one.lyt"_s, lytHeader(251, 1, 0) + cone()); },
+                 [](Env &e) { return open(e, u"XY2_one.lyt"_s); }, u"failed 0"_s,
+                 {u"XY2\r\n"_s + kUnsupported,
+                  sorry(u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s)},
+                 {u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s}};
+        t << Row{"a layout path longer than the platform allows", {},
+                 [longName](Env &e) { return open(e, longName); }, u"failed 0"_s,
+                 {u"{app}layouts/"_s + longName + kNotFound}, {}};
+        t << Row{"saving to a path longer than the platform allows", {},
+                 [longName](Env &e) {
+                     e.base->setFileName(e.fx.layoutPath(longName));
+                     addObject(*e.base, 14, 200, 200);
+                     const bool saved = e.base->LayoutSave(false);
+                     return (saved ? u"saved "_s : u"not saved "_s) + (e.base->Edited() ? u"edited"_s : u"clean"_s);
+                 },
+                 u"not saved edited"_s, {sorry(errorLine(57, u"frmLayout.LayoutSave"_s))},
+                 {errorLine(57, u"frmLayout.LayoutSave"_s)}};
+        // --- packs -------------------------------------------------------------------
+        t << Row{"pack with a zero box", [](Env &e) { e.pack(u"AU_zero.pack"_s, packOf(0, 0, {{14, 0, 0, 90, 0}})); },
+                 [](Env &e) { return dropPack(e, u"AU_zero.pack"_s, 300, 200); }, kBase + u"; 14@300,200 a90 w0"_s};
+        t << Row{"pack with a negative box",
+                 [](Env &e) { e.pack(u"AU_neg.pack"_s, packOf(-40, -20, {{14, 0, 0, 0, 0}})); },
+                 [](Env &e) { return dropPack(e, u"AU_neg.pack"_s, 300, 200); }, kBase + u"; 14@320,210 a0 w0"_s};
+        t << Row{"pack with a huge box",
+                 [](Env &e) {
+                     e.pack(u"AU_huge.pack"_s, packOf(32767, 32767, {{14, 0, 0, 0, 0}, {14, 16383, 16383, 0, 0}}));
+                 },
+                 [](Env &e) { return dropPack(e, u"AU_huge.pack"_s, 300, 200); }, kBase + u"; 14@300,200 a0 w0"_s, {},
+                 {}, {kOutside}};
+        t << Row{"pack whose offsets overflow at the drop point",
+                 [](Env &e) { e.pack(u"AU_far.pack"_s, packOf(0, 0, {{14, 1000, 0, 0, 0}})); },
+                 [](Env &e) { return dropPack(e, u"AU_far.pack"_s, 32000, 100); }, kBase, {sorry(pack6)}, {pack6}};
+        t << Row{"pack whose box overflows at the drop point",
+                 [](Env &e) { e.pack(u"AU_wide.pack"_s, packOf(-32768, 0, {{14, 0, 0, 0, 0}})); },
+                 [](Env &e) { return dropPack(e, u"AU_wide.pack"_s, 20000, 100); }, kBase, {sorry(pack6)}, {pack6}};
+        t << Row{"an empty pack", [](Env &e) { e.pack(u"AU_empty.pack"_s, {}); },
+                 [](Env &e) { return dropPack(e, u"AU_empty.pack"_s, 300, 200); }, kBase,
+                 {sorry(errorLine(62, u"frmLayout.PackRead"_s))}, {errorLine(62, u"frmLayout.PackRead"_s)}};
+        t << Row{"a folder named like a pack", [](Env &e) { QDir().mkpath(e.fx.app.file(u"packs/AU_dir.pack"_s)); },
+                 [](Env &e) { return dropPack(e, u"AU_dir.pack"_s, 300, 200); }, kBase,
+                 {sorry(u"packs/AU_dir.pack"_s + kNotFound)}, {u"packs/AU_dir.pack"_s + kNotFound}};
+        // --- Varno.cfg (start-up shows the error and stops; see Application) -----------
+        t << Row{"SavePercent abc", [](Env &) { WriteFile(ConfigPath(), "SavePercent abc\r\n"); },
+                 [](Env &) { return readOptions(); }, u"13: Type mismatch (SavePercent abc)"_s};
+        t << Row{"SavePercent 99999", [](Env &) { WriteFile(ConfigPath(), "SavePercent 99999\r\n"); },
+                 [](Env &) { return readOptions(); }, u"6: Overflow (SavePercent 99999)"_s};
+        // --- language files ----------------------------------------------------------
+        t << Row{"language file with bytes the code page does not define",
+                 [](Env &e) {
+                     WriteFile(e.fx.app.file(u"lang/Odd.lng"_s),
+                               QByteArray("050 Opt\x81\x8Dons\r\n160 \xFF") + '\0' + "x\r\n");
+                 },
+                 [](Env &e) { return loadLanguage(e); }, u"Opt\u0081\u008Dons|\u00FF\u0000x"_s};
+        t << Row{"UTF-8 language file with invalid sequences",
+                 [](Env &e) {
+                     WriteFile(e.fx.app.file(u"lang/Odd.lng"_s),
+                               "\xEF\xBB\xBF" "050 Opt\xC3(ons\r\n160 \xF0\x80\r\n");
+                 },
+                 [](Env &e) { return loadLanguage(e); }, u"Opt\uFFFD(ons|\uFFFD\uFFFD"_s};
+        // --- pictures ----------------------------------------------------------------
+        t << Row{"a missing background", {},
+                 [](Env &e) { return loadBackground(e, e.fx.app.file(u"missing.png"_s)); }, u"no background 0x0"_s,
+                 {u"{app}backgrounds/AU1.png"_s + kNotFound}};
+        t << Row{"a background that is not a picture",
+                 [](Env &e) { WriteFile(e.fx.app.file(u"text.png"_s), "This is not a picture.\r\n"); },
+                 [](Env &e) { return loadBackground(e, e.fx.app.file(u"text.png"_s)); }, u"no background 0x0"_s,
+                 {sorry(errorLine(481, u"frmLayout.LayoutLoadBG"_s))}, {errorLine(481, u"frmLayout.LayoutLoadBG"_s)}};
+        t << Row{"a background larger than memory allows",
+                 [](Env &e) { WriteFile(e.fx.app.file(u"huge.png"_s), PngClaimingSize(65535, 65535)); },
+                 [](Env &e) { return loadBackground(e, e.fx.app.file(u"huge.png"_s)); }, u"no background 0x0"_s,
+                 {sorry(errorLine(481, u"frmLayout.LayoutLoadBG"_s))}, {errorLine(481, u"frmLayout.LayoutLoadBG"_s)}};
+        t << Row{"an object picture larger than memory allows",
+                 [](Env &e) { WriteFile(e.fx.app.file(u"objects/huge.png"_s), PngClaimingSize(40000, 40000)); },
+                 [](Env &) {
+                     AddItem(20, 1, u"huge"_s, 20, 20, u"huge"_s, 255, 255, 255, false);
+                     cBitmap placeholder;
+                     placeholder.CreateFromResource(100);
+                     return ObjectKindAt(20).Image.Handle() == placeholder.Handle() ? u"placeholder"_s : u"other"_s;
+                 },
+                 u"placeholder"_s};
+        t << Row{"export path in a missing folder", {},
+                 [](Env &e) {
+                     cBitmap picture;
+                     picture.CreateFromScan0(8, 8);
+                     cGDIP gdip;
+                     return gdip.SaveBitmapToFile(picture, e.fx.app.file(u"missing/view.png"_s), 90) ? u"written"_s
+                                                                                                     : u"not written"_s;
+                 },
+                 u"not written"_s, {sorry(errorLine(76, u"cGDIP.SaveBitmapToFile"_s))},
+                 {errorLine(76, u"cGDIP.SaveBitmapToFile"_s)}};
+        return t;
+    }();
+    return table;
+}
+
+} // namespace
+
+class TestBadInput : public QObject {
+    Q_OBJECT
+private slots:
+    void badInput_data()
+    {
+        QTest::addColumn<int>("row");
+        for (int i = 0; i < rows().size(); ++i)
+            QTest::newRow(rows()[i].name) << i;
+    }
+    void badInput()
+    {
+        QFETCH(int, row);
+        const Row &r = rows()[row];
+        const Options saved = options();
+        {
+            ScriptedDialogs dialogs;
+            Env env;
+            dialogs.messages.clear();
+            ClearLoggedErrors();
+            if (r.setup)
+                r.setup(env);
+            const auto before = FolderSnapshot(env.fx.app.path());
+            const QString baseBefore = objectsText(*env.base);
+            if (r.needsPermissions && !OrdinaryUser().permissionsApply())
+                QSKIP("File permissions cannot be made to apply to this process");
+
+            const QString result = r.act(env);
+
+            const QString app = QDir::fromNativeSeparators(env.fx.app.path());
+            auto expand = [&](QStringList list) {
+                for (QString &s : list)
+                    s.replace(u"{app}"_s, app);
+                return list;
+            };
+            QStringList shown;
+            for (const auto &m : dialogs.messages)
+                shown << QDir::fromNativeSeparators(m.text);
+            QCOMPARE(result, r.result);
+            QCOMPARE(shown, expand(r.boxes));
+            QCOMPARE(LoggedErrors(), r.logged);
+            QCOMPARE(env.status, r.status);
+            QCOMPARE(FolderSnapshot(env.fx.app.path()), before);
+            // Every row that is not a pack drop leaves the open layout alone.
+            if (!QByteArray(r.name).startsWith("pack with a"))
+                QCOMPARE(objectsText(*env.base).left(baseBefore.size()), baseBefore);
+        }
+        options() = saved;
+    }
+};
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    TestBadInput test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_badinput.moc"
