@@ -98,7 +98,15 @@ frmMDI::frmMDI(QWidget *parent) : QMainWindow(parent)
     setCurrent(nullptr);
 }
 
-frmMDI::~frmMDI() = default;
+frmMDI::~frmMDI()
+{
+    // Closing tabs while the children go would call back into this half-destroyed window.
+    m_tabs->disconnect(this);
+    if (m_current) {
+        m_current->disconnect(this);
+        m_current->undoStack()->disconnect(this);
+    }
+}
 
 void frmMDI::buildToolbar()
 {

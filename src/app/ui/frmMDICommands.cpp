@@ -76,8 +76,10 @@ void frmMDI::setCurrent(frmLayout *layout)
 {
     if (m_current == layout && layout)
         return;
-    if (m_current)
+    if (m_current) {
         disconnect(m_current, nullptr, this, nullptr);
+        disconnect(m_current->undoStack(), nullptr, this, nullptr);
+    }
     m_current = layout;
     const bool open = layout != nullptr;
     m_central->setCurrentIndex(m_tabs->count() > 0 ? 1 : 0);

@@ -72,7 +72,13 @@ frmLayout::frmLayout(QWidget *parent) : QWidget(parent)
     m_line = std::make_unique<LineTool>(*this);
 }
 
-frmLayout::~frmLayout() = default;
+frmLayout::~frmLayout()
+{
+    // The undo stack clears itself as it goes and reports the change; by then the
+    // main window listening to this document may itself be half destroyed.
+    m_undo.blockSignals(true);
+    disconnect();
+}
 
 QWidget *frmLayout::canvas() const
 {
