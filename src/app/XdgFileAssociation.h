@@ -27,7 +27,7 @@ public:
     void resolveByHand() override;
 
     // The default application for the type and the mimeapps.list that sets it, in the
-    // order the specification searches them; empty when none does.
+    // order desktops search them (XDG mime-apps rules); empty when none does.
     struct Holder {
         QString desktopId;
         QString listFile;
