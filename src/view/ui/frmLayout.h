@@ -132,6 +132,8 @@ private:
     void onRestored();
     // Keeps a view point as the last pointer position, in layout units.
     void setPointerAt(const QPointF &viewPos);
+    // Puts the palette preview under a view point.
+    void showPreviewAt(const QPoint &viewPos);
     void applyFirstFit();
     LayoutTool *activeTool() const;
 
@@ -152,7 +154,6 @@ private:
 
     int16_t m_pointerX = 0;
     int16_t m_pointerY = 0;
-    QPointF m_lastViewPos;
     int16_t m_lineSpacing = 20;
     int m_tabIndex = -1;
     bool m_fitPending = true;

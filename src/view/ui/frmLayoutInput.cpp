@@ -143,7 +143,6 @@ void frmLayout::setPointerAt(const QPointF &viewPos)
 void frmLayout::PointerMove(Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers, const QPointF &viewPos)
 {
     guarded(QStringLiteral("frmLayout.Form_MouseMove"), [&] {
-        m_lastViewPos = viewPos;
         setPointerAt(viewPos);
         LayoutTool *tool = activeTool();
         ToolEvent e;
@@ -232,10 +231,7 @@ void frmLayout::ObjectDraw(int kind, const QPoint &viewPos)
             m_preview.offsets.push_back(QPoint());
             m_preview.source = source;
         }
-        int32_t x = viewPos.x(), y = viewPos.y();
-        m_view.viewToLayout(x, y);
-        m_preview.at = QPoint(x, y);
-        m_preview.active = true;
+        showPreviewAt(viewPos);
     }, false);
     Draw();
 }
@@ -259,12 +255,17 @@ void frmLayout::PackDraw(const QString &packFile, const QPoint &viewPos)
                 m_preview.offsets.push_back(QPoint(r.X - pack.width / 2, r.Y - pack.height / 2));
             }
         }
-        int32_t x = viewPos.x(), y = viewPos.y();
-        m_view.viewToLayout(x, y);
-        m_preview.at = QPoint(x, y);
-        m_preview.active = true;
+        showPreviewAt(viewPos);
     }, false);
     Draw();
+}
+
+void frmLayout::showPreviewAt(const QPoint &viewPos)
+{
+    int32_t x = viewPos.x(), y = viewPos.y();
+    m_view.viewToLayout(x, y);
+    m_preview.at = QPoint(x, y);
+    m_preview.active = true;
 }
 
 void frmLayout::EndPreview()
