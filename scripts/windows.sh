@@ -1,0 +1,274 @@
+#!/usr/bin/env bash
+# Builds the Windows release on Debian, tests it under Wine and packages it:
+#   bash scripts/windows.sh          everything: Qt for Windows (once), Varno, tests, installer, zip
+#   bash scripts/windows.sh deps     only Qt for Windows and the image libraries (the cache)
+#
+# Qt and giflib/libpng/zlib/libjpeg-turbo for Windows are built from Debian's own source packages
+# of the host's versions (so the host's moc, rcc and uic match), once, into
+#   ${VARNO_WINDOWS_CACHE:-~/.cache/varno-windows/<Qt version>-r<recipe>}
+# and reused on later runs. Nothing is downloaded except through apt.
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+# Raise when the way the cache is built changes, so an old cache is not reused.
+VARNO_WIN_RECIPE=1
+VARNO_WIN_TRIPLE=x86_64-w64-mingw32
+VARNO_WIN_BUILD="${VARNO_WIN_BUILD:-$VARNO_ROOT/build-windows}"
+VARNO_WIN_TOOLCHAIN="$VARNO_ROOT/cmake/mingw-w64-x86_64.cmake"
+VARNO_WIN_JOBS=$(nproc 2>/dev/null || echo 2)
+
+VARNO_WIN_PACKAGES=(
+  "${VARNO_PACKAGES[@]}" dpkg-dev
+  g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-tools
+  wine64 xvfb xauth nsis zip
+)
+
+say() { echo "== windows.sh: $*"; }
+
+qt_source_version() { dpkg-query -W -f='${source:Version}' libqt6core6; }
+
+# apt-get source needs deb-src entries for the suites the binary packages come from.
+ensure_deb_src() {
+  if apt-get source --print-uris qt6-base="$(qt_source_version)" >/dev/null 2>&1; then
+    return 0
+  fi
+  if [ "$(id -u)" != 0 ]; then
+    echo "apt has no deb-src entries. Add 'deb-src' lines for your suites (or run this as root), then run again." >&2
+    exit 1
+  fi
+  say "adding deb-src entries for apt"
+  local f out=/etc/apt/sources.list.d/varno-deb-src
+  : >"$out.sources"
+  for f in /etc/apt/sources.list.d/*.sources; do
+    [ "$f" = "$out.sources" ] && continue
+    # Same mirrors and suites, source packages instead of binaries.
+    sed -n '/^Types:.*\bdeb\b/,/^$/p' "$f" | sed 's/^Types:.*/Types: deb-src/' >>"$out.sources"
+    echo >>"$out.sources"
+  done
+  if [ -f /etc/apt/sources.list ]; then
+    grep -E '^deb ' /etc/apt/sources.list | sed 's/^deb /deb-src /' >"$out.list" || true
+  fi
+  apt-get update -qq
+}
+
+fetch_source() { # package[=version] dest
+  local pkg=$1 dest=$2
+  [ -f "$dest/.fetched" ] && return 0
+  rm -rf "$dest" && mkdir -p "$dest"
+  say "fetching Debian source of $pkg"
+  local v candidates
+  if [[ $pkg == *=* ]]; then
+    candidates=$pkg
+  else
+    # Newest first; a mirror may not carry every version its index lists.
+    candidates=$(apt-cache showsrc "$pkg" | awk '/^Version:/ {print $2}' | sort -rV | sed "s/^/$pkg=/")
+  fi
+  for v in $candidates; do
+    if (cd "$dest" && apt-get source -qq "$v" >/dev/null 2>"$dest/.log"); then
+      touch "$dest/.fetched"
+      return 0
+    fi
+    rm -rf "${dest:?}"/*
+  done
+  cat "$dest/.log" >&2
+  echo "Could not fetch the Debian source of $pkg" >&2
+  exit 1
+}
+
+src_dir() { find "$1" -mindepth 1 -maxdepth 1 -type d | head -n1; }
+
+build_zlib() { # static library only: Debian's source lacks the win32/ resource file the DLL needs
+  local s; s=$(src_dir "$SRC/zlib")
+  local o="$CACHE/obj/zlib"; rm -rf "$o" && mkdir -p "$o"
+  local c
+  for c in adler32 compress crc32 deflate gzclose gzlib gzread gzwrite infback inffast inflate \
+           inftrees trees uncompr zutil; do
+    "$CC" -O2 -c "$s/$c.c" -o "$o/$c.o"
+  done
+  "$AR" rcs "$PREFIX/lib/libz.a" "$o"/*.o
+  cp "$s/zlib.h" "$s/zconf.h" "$PREFIX/include/"
+}
+
+build_giflib() {
+  local s; s=$(src_dir "$SRC/giflib")
+  local o="$CACHE/obj/giflib"; rm -rf "$o" && mkdir -p "$o"
+  local c
+  for c in dgif_lib egif_lib gifalloc gif_err gif_font gif_hash openbsd-reallocarray; do
+    "$CC" -O2 -c "$s/$c.c" -o "$o/$c.o"
+  done
+  "$AR" rcs "$PREFIX/lib/libgif.a" "$o"/*.o
+  cp "$s/gif_lib.h" "$PREFIX/include/"
+}
+
+cmake_lib() { # name source-dir cmake-args...
+  local name=$1 s=$2; shift 2
+  local b="$CACHE/obj/$name"; rm -rf "$b"
+  cmake -S "$s" -B "$b" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$VARNO_WIN_TOOLCHAIN" \
+    -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$PREFIX" -DCMAKE_PREFIX_PATH="$PREFIX" "$@" >/dev/null
+  cmake --build "$b" -j "$VARNO_WIN_JOBS" >/dev/null
+  cmake --install "$b" >/dev/null
+}
+
+build_qt() {
+  local s; s=$(src_dir "$SRC/qt6-base")
+  local b="$CACHE/obj/qtbase"
+  # The platform plugin of this Qt needs OpenGL; tablet support needs the Wintab header,
+  # which Debian's source leaves out. Third-party code Qt needs is its bundled copy.
+  cmake -S "$s" -B "$b" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$VARNO_WIN_TOOLCHAIN" \
+    -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$PREFIX" \
+    -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake \
+    -DBUILD_SHARED_LIBS=ON -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF \
+    -DFEATURE_sql=OFF -DFEATURE_network=OFF -DFEATURE_dbus=OFF -DFEATURE_printsupport=OFF \
+    -DFEATURE_concurrent=OFF -DFEATURE_xml=OFF -DFEATURE_vulkan=OFF -DFEATURE_tabletevent=OFF \
+    -DFEATURE_opengl=ON \
+    -DFEATURE_system_zlib=OFF -DFEATURE_system_png=OFF -DFEATURE_system_jpeg=OFF \
+    -DFEATURE_system_freetype=OFF -DFEATURE_system_harfbuzz=OFF -DFEATURE_system_pcre2=OFF \
+    -DFEATURE_system_doubleconversion=OFF
+  cmake --build "$b" -j "$VARNO_WIN_JOBS"
+  cmake --install "$b" >/dev/null
+}
+
+build_cache() {
+  if [ -f "$CACHE/.complete" ]; then
+    say "reusing Qt for Windows and the image libraries in $CACHE"
+    return 0
+  fi
+  ensure_deb_src
+  # Qt must be the host's exact version; the image libraries are linked statically, so the
+  # suite's current source of each will do.
+  fetch_source "qt6-base=$(qt_source_version)" "$SRC/qt6-base"
+  local pkg
+  for pkg in giflib libpng1.6 zlib libjpeg-turbo; do
+    fetch_source "$pkg" "$SRC/$pkg"
+  done
+  mkdir -p "$PREFIX/lib" "$PREFIX/include"
+  if [ ! -f "$CACHE/.libs" ]; then
+    say "building zlib, giflib, libpng and libjpeg-turbo for Windows"
+    build_zlib
+    build_giflib
+    cmake_lib libpng "$(src_dir "$SRC/libpng1.6")" -DPNG_SHARED=OFF -DPNG_STATIC=ON \
+      -DPNG_TESTS=OFF -DPNG_EXECUTABLES=OFF -DZLIB_ROOT="$PREFIX" \
+      -DZLIB_INCLUDE_DIR="$PREFIX/include" -DZLIB_LIBRARY="$PREFIX/lib/libz.a"
+    cmake_lib libjpeg "$(src_dir "$SRC/libjpeg-turbo")" -DENABLE_SHARED=OFF -DENABLE_STATIC=ON \
+      -DWITH_SIMD=OFF -DWITH_TURBOJPEG=OFF
+    touch "$CACHE/.libs"
+  fi
+  say "building Qt for Windows (about 1,100 steps; 20-25 minutes on two cores)"
+  build_qt
+  touch "$CACHE/.complete"
+}
+
+varno_install "${VARNO_WIN_PACKAGES[@]}"
+CC=$VARNO_WIN_TRIPLE-gcc-posix
+AR=$VARNO_WIN_TRIPLE-gcc-ar-posix
+CACHE="${VARNO_WINDOWS_CACHE:-$HOME/.cache/varno-windows/$(qt_source_version)-r$VARNO_WIN_RECIPE}"
+SRC="$CACHE/src"
+PREFIX="$CACHE/prefix"
+export VARNO_WINDOWS_PREFIX="$PREFIX"
+
+build_cache
+[ "${1:-}" = deps ] && exit 0
+
+# --- Varno for Windows -------------------------------------------------------------------
+
+WINE=$(command -v wine || echo /usr/lib/wine/wine64)
+WINESERVER=$(command -v wineserver || echo /usr/lib/wine/wineserver)
+# Wine's own registry and files for the tests and the installer check, inside the build.
+export WINEPREFIX="$VARNO_WIN_BUILD/wine"
+export WINEDEBUG=-all
+export WINEDLLOVERRIDES="mscoree,mshtml=" # no Mono or Gecko prompts
+export VARNO_WINE="$WINE"
+XVFB=(xvfb-run -a -s "-screen 0 1280x1024x24")
+
+build_varno() {
+  say "cross-building Varno, varno-cli and the tests into $VARNO_WIN_BUILD"
+  cmake -S "$VARNO_ROOT" -B "$VARNO_WIN_BUILD" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$VARNO_WIN_TOOLCHAIN" \
+    -DCMAKE_BUILD_TYPE=Release -DCMAKE_PREFIX_PATH="$PREFIX" \
+    -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake \
+    -DVARNO_BUILD_TESTS=ON -DVARNO_BUILD_TOOLS=ON -DVARNO_BUILD_BENCH=OFF \
+    -DCMAKE_CROSSCOMPILING_EMULATOR="$VARNO_ROOT/cmake/wine-run.sh" >/dev/null
+  cmake --build "$VARNO_WIN_BUILD" -j "$VARNO_WIN_JOBS"
+}
+
+prepare_wine() {
+  if [ ! -f "$WINEPREFIX/system.reg" ]; then
+    say "preparing a Wine prefix in $WINEPREFIX"
+    "$WINE" wineboot --init >/dev/null 2>&1 || true
+    "$WINESERVER" -w
+  fi
+}
+
+# Every DLL and EXE of the installed folder, and every DLL they import in turn, must be
+# either in the folder or part of Windows (Wine's set of system DLLs stands for it).
+check_imports() { # folder
+  local dir=$1 system=/usr/lib/x86_64-linux-gnu/wine/x86_64-windows
+  local -A have=() seen=()
+  local f name missing=0
+  while IFS= read -r f; do have[$(basename "${f,,}")]=$f; done < <(find "$dir" -iname '*.dll' -o -iname '*.exe')
+  local queue=()
+  while IFS= read -r f; do queue+=("$f"); done < <(find "$dir" -iname '*.exe' -o -ipath '*/plugins/*' -o -iname '*.dll')
+  while [ ${#queue[@]} -gt 0 ]; do
+    f=${queue[0]}; queue=("${queue[@]:1}")
+    [ -n "${seen[$f]:-}" ] && continue
+    seen[$f]=1
+    while IFS= read -r name; do
+      name=${name,,}
+      if [ -n "${have[$name]:-}" ]; then
+        queue+=("${have[$name]}")
+      elif [ ! -e "$system/$name" ] && [[ $name != api-ms-win-* ]]; then
+        echo "MISSING: $(basename "$f") imports $name, which is neither installed nor part of Windows" >&2
+        missing=1
+      fi
+    done < <($VARNO_WIN_TRIPLE-objdump -p "$f" | sed -n 's/^\s*DLL Name: //p')
+  done
+  [ $missing = 0 ] || exit 1
+  say "imports checked: ${#seen[@]} EXE and DLL files, nothing missing"
+}
+
+package() {
+  local version stage lists base
+  version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$VARNO_WIN_BUILD/CMakeCache.txt")
+  base="$VARNO_WIN_BUILD/Varno-$version-win64"
+  stage="$VARNO_WIN_BUILD/package/Varno"
+  lists="$VARNO_WIN_BUILD/package"
+  rm -rf "$lists" && mkdir -p "$stage"
+  cmake --install "$VARNO_WIN_BUILD" --prefix "$stage" >/dev/null
+  check_imports "$stage"
+
+  say "packaging $base.zip and $base.exe"
+  rm -f "$base.zip"
+  (cd "$lists" && zip -qr "$base.zip" Varno)
+
+  # File lists for the installer: the program's files, the user's sample files, and what
+  # the uninstaller removes (never the user's folders).
+  local f rel dir last="" lastuser=""
+  : >"$lists/files.nsh"; : >"$lists/userfiles.nsh"; : >"$lists/unfiles.nsh"
+  while IFS= read -r f; do
+    rel=${f#"$stage"/}
+    dir=$(dirname "$rel"); [ "$dir" = . ] && dir="" || dir="\\${dir//\//\\}"
+    case $rel in
+      packs/*|layouts/*)
+        [ "$dir" != "$lastuser" ] && echo "SetOutPath \"\$INSTDIR$dir\"" >>"$lists/userfiles.nsh"
+        lastuser=$dir
+        echo "File \"$f\"" >>"$lists/userfiles.nsh"
+        ;;
+      *)
+        [ "$dir" != "$last" ] && echo "SetOutPath \"\$INSTDIR$dir\"" >>"$lists/files.nsh"
+        last=$dir
+        echo "File \"$f\"" >>"$lists/files.nsh"
+        echo "Delete \"\$INSTDIR\\${rel//\//\\}\"" >>"$lists/unfiles.nsh"
+        ;;
+    esac
+  done < <(find "$stage" -type f | LC_ALL=C sort)
+  while IFS= read -r f; do
+    rel=${f#"$stage"/}
+    echo "RMDir \"\$INSTDIR\\${rel//\//\\}\"" >>"$lists/unfiles.nsh"
+  done < <(find "$stage" -mindepth 1 -type d ! -path "$stage/packs*" ! -path "$stage/layouts*" | LC_ALL=C sort -r)
+  makensis -V2 -DVERSION="$version" -DLISTS="$lists" -DICON="$VARNO_ROOT/resources/varno.ico" \
+    -DOUTFILE="$base.exe" "$VARNO_ROOT/packaging/windows/Varno.nsi"
+}
+
+build_varno
+[ "${1:-}" = build ] && exit 0
+prepare_wine
+package
