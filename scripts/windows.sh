@@ -159,6 +159,10 @@ build_cache() {
 }
 
 varno_install "${VARNO_WIN_PACKAGES[@]}"
+# Wine's windows need a screen: the whole run gets a virtual one of its own.
+if [ "${1:-}" != deps ] && [ -z "${VARNO_UNDER_XVFB:-}" ]; then
+  VARNO_UNDER_XVFB=1 exec xvfb-run -a -s "-screen 0 1280x1024x24" bash "${BASH_SOURCE[0]}" "$@"
+fi
 CC=$VARNO_WIN_TRIPLE-gcc-posix
 AR=$VARNO_WIN_TRIPLE-gcc-ar-posix
 CACHE="${VARNO_WINDOWS_CACHE:-$HOME/.cache/varno-windows/$(qt_source_version)-r$VARNO_WIN_RECIPE}"
@@ -178,7 +182,6 @@ export WINEPREFIX="$VARNO_WIN_BUILD/wine"
 export WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree,mshtml=" # no Mono or Gecko prompts
 export VARNO_WINE="$WINE"
-XVFB=(xvfb-run -a -s "-screen 0 1280x1024x24")
 
 build_varno() {
   say "cross-building Varno, varno-cli and the tests into $VARNO_WIN_BUILD"
@@ -188,6 +191,7 @@ build_varno() {
     -DVARNO_BUILD_TESTS=ON -DVARNO_BUILD_TOOLS=ON -DVARNO_BUILD_BENCH=OFF \
     -DCMAKE_CROSSCOMPILING_EMULATOR="$VARNO_ROOT/cmake/wine-run.sh" >/dev/null
   cmake --build "$VARNO_WIN_BUILD" -j "$VARNO_WIN_JOBS"
+  VERSION=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$VARNO_WIN_BUILD/CMakeCache.txt")
 }
 
 prepare_wine() {
@@ -226,9 +230,8 @@ check_imports() { # folder
 }
 
 package() {
-  local version stage lists base
-  version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$VARNO_WIN_BUILD/CMakeCache.txt")
-  base="$VARNO_WIN_BUILD/Varno-$version-win64"
+  local stage lists base
+  base="$VARNO_WIN_BUILD/Varno-$VERSION-win64"
   stage="$VARNO_WIN_BUILD/package/Varno"
   lists="$VARNO_WIN_BUILD/package"
   rm -rf "$lists" && mkdir -p "$stage"
@@ -264,11 +267,77 @@ package() {
     rel=${f#"$stage"/}
     echo "RMDir \"\$INSTDIR\\${rel//\//\\}\"" >>"$lists/unfiles.nsh"
   done < <(find "$stage" -mindepth 1 -type d ! -path "$stage/packs*" ! -path "$stage/layouts*" | LC_ALL=C sort -r)
-  makensis -V2 -DVERSION="$version" -DLISTS="$lists" -DICON="$VARNO_ROOT/resources/varno.ico" \
+  makensis -V2 -DVERSION="$VERSION" -DLISTS="$lists" -DICON="$VARNO_ROOT/resources/varno.ico" \
     -DOUTFILE="$base.exe" "$VARNO_ROOT/packaging/windows/Varno.nsi"
+}
+
+run_tests() {
+  say "running the test suite under Wine"
+  cd "$VARNO_WIN_BUILD"
+  ctest --output-on-failure --timeout 600 -j "$VARNO_WIN_JOBS"
+  cd - >/dev/null
+}
+
+# What a user does: install silently, ask varno-cli about a layout, open the layout in the
+# editor and close it, uninstall.
+check_installer() { # installer.exe
+  local installer=$1 localapp dir layout json expected
+  localapp=$("$WINE" cmd /c 'echo %LOCALAPPDATA%' | tr -d '\r')
+  dir=$("$WINE" winepath -u "$localapp\\Programs\\Varno" | tr -d '\r')
+  dir=${dir%/}
+  rm -rf "$dir"
+  say "installing silently: $(basename "$installer") /S"
+  "$WINE" "$installer" /S
+  "$WINESERVER" -w
+  local f
+  for f in Varno.exe varno-cli.exe Qt6Core.dll platforms/qwindows.dll lang/English.lng layouts/AU1_demo.lyt \
+           Uninstall.exe; do
+    [ -f "$dir/$f" ] || { echo "The installer did not install $f into $dir" >&2; exit 1; }
+  done
+
+  layout="$VARNO_WIN_BUILD/check/AU1_demo.lyt"
+  mkdir -p "$(dirname "$layout")" && cp "$VARNO_ROOT/layouts/AU1_demo.lyt" "$layout"
+  json=$("$WINE" "$dir/varno-cli.exe" info "Z:${layout//\//\\}" --json | tr -d '\r')
+  if [ -x "$VARNO_BUILD/bin/varno-cli" ]; then
+    expected=$("$VARNO_BUILD/bin/varno-cli" info "$layout" --json)
+    [ "$json" = "$expected" ] || { echo "varno-cli.exe info differs from the Linux build's" >&2; exit 1; }
+    say "installed varno-cli.exe info prints the same JSON as the Linux build"
+  else
+    [[ $json == '{"type":"AU1"'* ]] || { echo "varno-cli.exe info failed: $json" >&2; exit 1; }
+    say "installed varno-cli.exe info works (no Linux build to compare with)"
+  fi
+
+  # The editor opens the layout from its command line; closing it writes Varno.cfg beside it.
+  rm -f "$dir/Varno.cfg"
+  "$WINE" "$dir/Varno.exe" "Z:${layout//\//\\}" &
+  local pid=$! i
+  for i in $(seq 60); do
+    sleep 1
+    "$WINE" tasklist 2>/dev/null | grep -qi '^Varno.exe' && break
+  done
+  sleep 5
+  "$WINE" taskkill /IM Varno.exe >/dev/null 2>&1 || true # asks the windows to close
+  for i in $(seq 30); do kill -0 $pid 2>/dev/null || break; sleep 1; done
+  kill -0 $pid 2>/dev/null && { "$WINE" taskkill /F /IM Varno.exe >/dev/null 2>&1; echo "Varno.exe did not close" >&2; exit 1; }
+  grep -q "AU1_demo.lyt" "$dir/Varno.cfg" 2>/dev/null \
+    || { echo "Varno.exe did not write Varno.cfg with the opened layout beside itself" >&2; exit 1; }
+  say "installed Varno.exe opened the layout and wrote Varno.cfg beside itself on exit"
+
+  "$WINE" "$dir/Uninstall.exe" /S
+  for i in $(seq 30); do [ -f "$dir/Varno.exe" ] || break; sleep 1; done
+  "$WINESERVER" -w
+  for f in Varno.exe varno-cli.exe Qt6Core.dll platforms/qwindows.dll lang/English.lng; do
+    [ ! -e "$dir/$f" ] || { echo "The uninstaller left $f" >&2; exit 1; }
+  done
+  for f in Varno.cfg layouts/AU1_demo.lyt; do
+    [ -e "$dir/$f" ] || { echo "The uninstaller removed the user's $f" >&2; exit 1; }
+  done
+  say "uninstalled silently: the program is gone, Varno.cfg, packs and layouts are kept"
 }
 
 build_varno
 [ "${1:-}" = build ] && exit 0
 prepare_wine
 package
+check_installer "$VARNO_WIN_BUILD/Varno-$VERSION-win64.exe"
+run_tests

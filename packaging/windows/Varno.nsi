@@ -6,7 +6,8 @@
 ; %LOCALAPPDATA%\Programs\Varno. That folder is Varno's application folder, where it
 ; writes Varno.cfg, Varno.log, packs and layouts, so it has to stay writable by the user.
 
-Unicode true
+; A 64-bit installer for a 64-bit program (and one that 64-bit-only Wine can run).
+Target amd64-unicode
 SetCompressor /SOLID lzma
 RequestExecutionLevel user
 

@@ -1,6 +1,7 @@
 // The freedesktop association on temporary XDG folders with real files: the three
 // states, the transitions between them, and that nothing but our own entries is ever
-// touched.
+// touched. On Windows, the registry association against the system's own registry
+// (under Wine, Wine's).
 
 #include "app/Language.h"
 #include "app/XdgFileAssociation.h"
@@ -9,6 +10,13 @@
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#ifdef Q_OS_WIN
+#include "app/Registry.h"
+#include "app/Startup.h"
+
+#include <QFileInfo>
+#endif
 
 using namespace Qt::StringLiterals;
 
@@ -36,6 +44,10 @@ class TestFileAssociation : public QObject {
 private slots:
     void init()
     {
+#ifdef Q_OS_WIN
+        if (qstrcmp(QTest::currentTestFunction(), "registry") != 0)
+            QSKIP("The freedesktop association belongs to Linux desktops; Windows keeps it in the registry");
+#endif
         m_root = std::make_unique<QTemporaryDir>();
         qputenv("XDG_DATA_HOME", dataHome().toUtf8());
         qputenv("XDG_CONFIG_HOME", configHome().toUtf8());
@@ -187,6 +199,36 @@ private slots:
                  QString("[Default Applications]\napplication/x-lfs-layout=other.desktop;\n"));
         QCOMPARE(a.state(), AssociationState::OtherProgram);
     }
+
+#ifdef Q_OS_WIN
+    // Associate, remove, and another program's command (even one that differs only in
+    // letter case), which is reported and left alone.
+    void registry()
+    {
+        TempAppFolder app(false);
+        QVERIFY(app.path().endsWith(u'\\'));
+        const QString command = u".lyt\\shell\\open\\command"_s;
+        const QString exe = app.path() + QFileInfo(QCoreApplication::applicationFilePath()).fileName();
+        const auto a = NativeFileAssociation();
+        a->remove();
+        QCOMPARE(a->state(), AssociationState::NotAssociated);
+        a->create();
+        QCOMPARE(a->state(), AssociationState::Associated);
+        QCOMPARE(RegGetString(HKEY_CLASSES_ROOT, command, u"(Default)"_s), u'"' + exe + u"\" \"%1\""_s);
+        QCOMPARE(RegGetString(HKEY_CLASSES_ROOT, u".lyt\\DefaultIcon"_s, u"(default)"_s), exe + u",1"_s);
+        QCOMPARE(RegGetString(HKEY_CLASSES_ROOT, u".lyt"_s, u"(default)"_s), Lang(108));
+        a->remove();
+        QCOMPARE(a->state(), AssociationState::NotAssociated);
+        QVERIFY(RegGetString(HKEY_CLASSES_ROOT, u".lyt"_s, u"(default)"_s).isEmpty());
+
+        for (const QString &other : {u"\"C:\\Other\\Editor.exe\" \"%1\""_s, (u'"' + exe + u"\" \"%1\""_s).toUpper()}) {
+            QVERIFY(RegSetString(HKEY_CLASSES_ROOT, command, other, u"(default)"_s));
+            QCOMPARE(a->state(), AssociationState::OtherProgram);
+            QCOMPARE(RegGetString(HKEY_CLASSES_ROOT, command, u"(default)"_s), other);
+        }
+        a->remove();
+    }
+#endif
 };
 
 QTEST_GUILESS_MAIN(TestFileAssociation)

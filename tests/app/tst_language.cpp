@@ -3,6 +3,7 @@
 #include "core/Runtime.h"
 #include "support/TestSupport.h"
 
+#include <QFont>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -84,6 +85,32 @@ private slots:
         QCOMPARE(bytes, EnglishLanguageFile());
         QVERIFY(bytes.contains("153 Hold Ctrl to constrain to 15\xb0 increments"));
         QVERIFY(bytes.startsWith("025 Autocross\r\n026 Skid Pad\r\n"));
+    }
+
+    // East Asian locales get their own interface font at 9 points; others keep theirs.
+    void localeFont_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("family");
+        QTest::addColumn<int>("points");
+        QTest::newRow("Korean") << "ko_KR" << "Gulim" << 9;
+        QTest::newRow("Japanese") << "ja_JP" << "MS UI Gothic" << 9;
+        QTest::newRow("traditional Chinese") << "zh_TW" << "PMingLiU" << 9;
+        QTest::newRow("simplified Chinese") << "zh_CN" << "SimSun" << 9;
+        QTest::newRow("German keeps the font") << "de_DE" << "Designed" << 11;
+    }
+    void localeFont()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QString, family);
+        QFETCH(int, points);
+        const QLocale previous;
+        QLocale::setDefault(QLocale(locale));
+        QFont font(u"Designed"_s, 11);
+        SetLocaleFont(font);
+        QLocale::setDefault(previous);
+        QCOMPARE(font.families().value(0), family);
+        QCOMPARE(font.pointSize(), points);
     }
 };
 

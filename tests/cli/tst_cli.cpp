@@ -84,9 +84,8 @@ private slots:
     void initTestCase()
     {
         m_app = std::make_unique<TempAppFolder>(true);
-        m_cli = m_app->file(u"varno-cli"_s);
-        QVERIFY(QFile::copy(BuildAppFolder() + u"varno-cli"_s, m_cli));
-        QFile::setPermissions(m_cli, QFile::permissions(m_cli) | QFile::ExeOwner);
+        m_cli = CopyCli(*m_app);
+        QVERIFY(!m_cli.isEmpty());
     }
     void cleanupTestCase() { m_app.reset(); }
 

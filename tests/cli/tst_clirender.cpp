@@ -45,9 +45,8 @@ private slots:
     void initTestCase()
     {
         m_app = std::make_unique<TempAppFolder>(true);
-        m_cli = m_app->file(u"varno-cli"_s);
-        QVERIFY(QFile::copy(BuildAppFolder() + u"varno-cli"_s, m_cli));
-        QFile::setPermissions(m_cli, QFile::permissions(m_cli) | QFile::ExeOwner);
+        m_cli = CopyCli(*m_app);
+        QVERIFY(!m_cli.isEmpty());
         m_layout = WriteFile(m_app->file(u"layouts/AU1_cone.lyt"_s), au1Layout());
     }
     void cleanupTestCase() { m_app.reset(); }

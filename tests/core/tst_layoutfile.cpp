@@ -168,7 +168,9 @@ private slots:
         for (int i = 0; i < 100; ++i)
             old += char(i);
         const QString path = WriteFile(m_fx.layoutPath(file), old);
+#ifndef Q_OS_WIN // Windows files have no owner and group bits to keep
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup);
+#endif
         auto doc = m_fx.document(file);
         addObject(*doc, object[0], object[1], object[2], object[3], object[4]);
         QSignalSpy named(doc.get(), &LayoutDocument::LayoutNameChanged);
@@ -177,7 +179,9 @@ private slots:
         QCOMPARE(named.count(), 1);
         QCOMPARE(ReadAll(path).toHex(' '),
                  (lytHeader(251, 1, object[0] == 0 ? 1 : 0) + record + old.mid(20)).toHex(' '));
+#ifndef Q_OS_WIN
         QCOMPARE(int(QFile::permissions(path) & 0x7077), 0x6040);
+#endif
     }
 
     // A count above 255, and a kind-60 object (only restore brings one in) repeating the

@@ -14,9 +14,11 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#ifndef Q_OS_WIN
 #include <sys/fsuid.h>
 #include <sys/mount.h>
 #include <unistd.h>
+#endif
 
 // Every file and folder below root with its bytes (folders as "<dir>"), except the
 // error log, which the program appends to by design.
@@ -40,6 +42,22 @@ inline QMap<QString, QByteArray> FolderSnapshot(const QString &root)
     return out;
 }
 
+#ifdef Q_OS_WIN
+// Windows has no file-system identity to give up and no tmpfs to mount: the cases that
+// need them skip there.
+class OrdinaryUser {
+public:
+    bool permissionsApply() const { return false; }
+};
+class SmallDisk {
+public:
+    explicit SmallDisk(int) {}
+    bool mounted() const { return false; }
+    QString path() const { return QString(); }
+    bool remountReadOnly() { return false; }
+    void fill() {}
+};
+#else
 // File permissions bind root only after it gives up its file-system identity: while an
 // OrdinaryUser lives, file access is checked as "nobody" (setfsuid clears the override
 // capabilities for this thread). For anyone else it does nothing. Folders the test uses
@@ -111,6 +129,7 @@ private:
     QByteArray m_options;
     bool m_mounted = false;
 };
+#endif
 
 // A small PNG whose header claims width x height (with a correct checksum, so only the
 // size is a lie). Pictures like this try to make a reader allocate gigabytes.

@@ -73,6 +73,22 @@ QString BuildAppFolder()
     return QCoreApplication::applicationDirPath() + QLatin1Char('/');
 }
 
+QString CopyCli(const TempAppFolder &app)
+{
+#ifdef Q_OS_WIN
+    const QString name = QStringLiteral("varno-cli.exe");
+    // The copy finds Qt's DLLs in the build's folder.
+    qputenv("PATH", QDir::toNativeSeparators(BuildAppFolder()).toLocal8Bit() + ';' + qgetenv("PATH"));
+#else
+    const QString name = QStringLiteral("varno-cli");
+#endif
+    const QString copy = app.file(name);
+    if (!QFile::copy(BuildAppFolder() + name, copy))
+        return QString();
+    QFile::setPermissions(copy, QFile::permissions(copy) | QFile::ExeOwner);
+    return copy;
+}
+
 TempAppFolder::TempAppFolder(bool withData) : m_previousAppPath(AppPath())
 {
     if (withData) {

@@ -59,6 +59,9 @@ private:
 
 // The build's application folder (where the test executables and the data live).
 QString BuildAppFolder();
+// Copies the build's varno-cli into app, so that it runs as a user runs it, with its own
+// Varno.cfg and Varno.log; returns the copy's path, empty when the copy failed.
+QString CopyCli(const TempAppFolder &app);
 // Writes bytes to a file, creating folders; returns the path.
 QString WriteFile(const QString &path, const QByteArray &bytes);
 QByteArray ReadAll(const QString &path);

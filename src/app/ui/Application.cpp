@@ -36,12 +36,10 @@ bool haveDisplay()
 #endif
 }
 
-// The raw text after the program name, as the shell handed it over.
-QString rawCommandLine(const QStringList &arguments)
+} // namespace
+
+QString WindowsCommandLinePath(const QString &line)
 {
-#ifdef Q_OS_WIN
-    Q_UNUSED(arguments);
-    QString line = QString::fromWCharArray(GetCommandLineW());
     // Skip the program name, quoted or not.
     qsizetype i = 0;
     if (line.startsWith(u'"')) {
@@ -53,19 +51,21 @@ QString rawCommandLine(const QStringList &arguments)
     }
     while (i < line.size() && (line[i] == u' ' || line[i] == u'\t'))
         ++i;
-    return line.mid(i);
-#else
-    return arguments.mid(1).join(u' ');
-#endif
+    QString path = line.mid(i);
+    path.remove(u'"');
+    return path;
 }
-
-} // namespace
 
 QString CommandLinePath(const QStringList &arguments)
 {
-    QString line = rawCommandLine(arguments);
+#ifdef Q_OS_WIN
+    Q_UNUSED(arguments);
+    return WindowsCommandLinePath(QString::fromWCharArray(GetCommandLineW()));
+#else
+    QString line = arguments.mid(1).join(u' ');
     line.remove(u'"');
     return line;
+#endif
 }
 
 int VarnoMain(int argc, char *argv[])

@@ -6,4 +6,8 @@
 int VarnoMain(int argc, char *argv[]);
 
 // The command line as one path: the arguments joined, every double quote removed.
+// On Windows the arguments are ignored and the process's own command line is read, so
+// that a path with blanks the shell did not quote still arrives whole.
 QString CommandLinePath(const QStringList &arguments);
+// The same for a raw Windows command line: what follows the program name (quoted or not).
+QString WindowsCommandLinePath(const QString &commandLine);

@@ -24,12 +24,19 @@ private slots:
                                            << "/a/AU1_x.lyt /b/AU2_y.lyt";
         QTest::newRow("split path joined again") << QStringList{"Varno", "/my", "maps/BL3_b.lyt"}
                                                  << "/my maps/BL3_b.lyt";
+        QTest::newRow("quoted program name with blanks")
+            << QStringList{"\"C:\\Program Files\\Varno\\Varno.exe\"", "C:\\my", "maps\\AU1_a.lyt"}
+            << "C:\\my maps\\AU1_a.lyt";
     }
     void commandLine()
     {
         QFETCH(QStringList, arguments);
         QFETCH(QString, path);
+        // The raw line a Windows shell builds from the same words.
+        QCOMPARE(WindowsCommandLinePath(arguments.join(u' ')), path);
+#ifndef Q_OS_WIN // there the process's own command line is read, not the arguments
         QCOMPARE(CommandLinePath(arguments), path);
+#endif
     }
 
     // Closing the main window writes the options and the recent files.
