@@ -57,7 +57,15 @@ Section "Uninstall"
   ; Only what the installer put there. Varno.cfg, Varno.log and the packs and layouts
   ; folders stay, and with them the folder itself.
   !include "${LISTS}/unfiles.nsh"
-  Delete "$INSTDIR\Uninstall.exe"
+  ; The uninstaller runs from a copy in TEMP; the original may take a moment to let go.
+  StrCpy $0 0
+  retry:
+    Delete "$INSTDIR\Uninstall.exe"
+    IfFileExists "$INSTDIR\Uninstall.exe" 0 gone
+    IntOp $0 $0 + 1
+    Sleep 500
+    IntCmp $0 10 gone retry gone
+  gone:
   Delete "$SMPROGRAMS\Varno.lnk"
   DeleteRegKey HKCU "${UNINST_KEY}"
   RMDir "$INSTDIR"
