@@ -16,6 +16,7 @@
 #include "view/ui/frmLayout.h"
 
 #include <QAction>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
@@ -386,7 +387,7 @@ void frmMDI::dropEvent(QDropEvent *event)
     for (const QUrl &url : event->mimeData()->urls()) {
         if (!url.isLocalFile())
             continue;
-        const QString path = url.toLocalFile();
+        const QString path = QDir::toNativeSeparators(url.toLocalFile()); // with "\" on Windows
         if (LayoutAdd(path))
             RecentAdd(path);
     }
