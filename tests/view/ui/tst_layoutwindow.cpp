@@ -496,7 +496,7 @@ private slots:
         big.save(m_fx->app.file(QStringLiteral("backgrounds/wide.png")));
         const float scale = au2->document().BackgroundScale();
         au2->setBGName(QStringLiteral("wide.png"));
-        QCOMPARE(au2->BGName(), m_fx->app.file(QStringLiteral("backgrounds/wide.png")));
+        QCOMPARE(au2->BGName(), QDir::toNativeSeparators(m_fx->app.file(QStringLiteral("backgrounds/wide.png"))));
         QCOMPARE(au2->document().BoundsWidth(), 2000);
         QCOMPARE(v.backgroundWidth(), 2000);
         QCOMPARE(au2->document().BackgroundScale(), scale);
