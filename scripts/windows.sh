@@ -262,7 +262,7 @@ package() {
 
   # File lists for the installer: the program's files, the user's sample files, and what
   # the uninstaller removes (never the user's folders).
-  local f rel dir last="" lastuser=""
+  local f rel dir last=- lastuser=-
   : >"$lists/files.nsh"; : >"$lists/userfiles.nsh"; : >"$lists/unfiles.nsh"
   while IFS= read -r f; do
     rel=${f#"$stage"/}

@@ -47,6 +47,8 @@ inline QMap<QString, QByteArray> FolderSnapshot(const QString &root)
 // need them skip there.
 class OrdinaryUser {
 public:
+    OrdinaryUser() {}
+    ~OrdinaryUser() {}
     bool permissionsApply() const { return false; }
 };
 class SmallDisk {
