@@ -22,7 +22,7 @@ VARNO_WIN_JOBS=$(nproc 2>/dev/null || echo 2)
 VARNO_WIN_PACKAGES=(
   "${VARNO_PACKAGES[@]}" dpkg-dev
   g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-tools
-  wine64 xvfb xauth nsis zip
+  wine64 xvfb xauth x11-utils nsis zip
 )
 
 say() { echo "== windows.sh: $*"; }
@@ -328,17 +328,22 @@ check_installer() { # installer.exe
   # The editor opens the layout from its command line; closing it writes Varno.cfg beside it.
   rm -f "$dir/Varno.cfg"
   "$WINE" "$dir/Varno.exe" "Z:${layout//\//\\}" &
-  local pid=$! i
-  for i in $(seq 60); do
+  local pid=$! i opened=""
+  # Its main window's title names the open layout.
+  for i in $(seq 90); do
     sleep 1
-    "$WINE" tasklist 2>/dev/null | grep -qi '^Varno.exe' && break
+    xwininfo -root -tree 2>/dev/null | grep -q '"Varno - AU1_demo' && { opened=1; break; }
   done
-  sleep 5
   "$WINE" taskkill /IM Varno.exe >/dev/null 2>&1 || true # asks the windows to close
   for i in $(seq 30); do kill -0 $pid 2>/dev/null || break; sleep 1; done
-  kill -0 $pid 2>/dev/null && { "$WINE" taskkill /F /IM Varno.exe >/dev/null 2>&1; echo "Varno.exe did not close" >&2; exit 1; }
-  grep -q "AU1_demo.lyt" "$dir/Varno.cfg" 2>/dev/null \
-    || { echo "Varno.exe did not write Varno.cfg with the opened layout beside itself" >&2; exit 1; }
+  if kill -0 $pid 2>/dev/null; then
+    "$WINE" taskkill /F /IM Varno.exe >/dev/null 2>&1
+    echo "Varno.exe did not close when asked" >&2
+    exit 1
+  fi
+  [ -n "$opened" ] || { echo "Varno.exe did not open the layout named on its command line" >&2; exit 1; }
+  grep -q "^SaveType " "$dir/Varno.cfg" 2>/dev/null \
+    || { echo "Varno.exe did not write Varno.cfg beside itself on exit" >&2; exit 1; }
   say "installed Varno.exe opened the layout and wrote Varno.cfg beside itself on exit"
 
   "$WINE" "$dir/Uninstall.exe" /S

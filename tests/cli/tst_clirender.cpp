@@ -36,7 +36,8 @@ class TestCliRender : public QObject {
         p.start(m_cli, args);
         if (!p.waitForFinished(120000) || p.exitStatus() != QProcess::NormalExit)
             return {};
-        return {p.exitCode(), QString::fromLocal8Bit(p.readAllStandardOutput()),
+        // Windows' console streams end lines in CR LF.
+        return {p.exitCode(), QString::fromLocal8Bit(p.readAllStandardOutput()).replace(u"\r\n"_s, u"\n"_s),
                 QString::fromLocal8Bit(p.readAllStandardError())};
     }
     QString picture(const QString &name) const { return m_app->file(u"pictures/"_s + name); }

@@ -381,7 +381,7 @@ private slots:
                         {u"saveloop"_s, QString::number(saver), folder, options().AU1, marker});
             QVERIFY(child.waitForStarted());
             QVERIFY(child.waitForReadyRead(20000));
-            QCOMPARE(child.readLine(), QByteArray("ready\n"));
+            QCOMPARE(child.readLine().trimmed(), QByteArray("ready")); // CR LF on Windows
             QThread::usleep(rng.bounded(20000u));
             child.kill(); // SIGKILL, or TerminateProcess on Windows
             QVERIFY(child.waitForFinished(20000));

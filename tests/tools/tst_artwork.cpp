@@ -41,6 +41,10 @@ private slots:
     // Compared by decoded pixels, not bytes, so a different zlib does not matter.
     void generatedMatchesCommitted()
     {
+#ifdef Q_OS_WIN
+        QSKIP("The committed pictures are drawn by the Linux build; Qt for Windows anti-aliases some edges "
+              "differently");
+#endif
         QFETCH(QString, relative);
         const QImage fresh = QImage(m_out.filePath(relative)).convertToFormat(QImage::Format_ARGB32);
         const QImage old = committed(relative);
