@@ -226,7 +226,7 @@ const QList<Row> &rows()
                  {sorry(errorLine(62, u"frmLayout.PackRead"_s))}, {errorLine(62, u"frmLayout.PackRead"_s)}};
         t << Row{"a folder named like a pack", [](Env &e) { QDir().mkpath(e.fx.app.file(u"packs/AU_dir.pack"_s)); },
                  [](Env &e) { return dropPack(e, u"AU_dir.pack"_s, 300, 200); }, kBase,
-                 {sorry(QDir::toNativeSeparators(u"packs/AU_dir.pack"_s) + kNotFound)},
+                 {sorry(u"packs/AU_dir.pack"_s + kNotFound)},
                  {QDir::toNativeSeparators(u"packs/AU_dir.pack"_s) + kNotFound}};
         // --- Varno.cfg (start-up shows the error and stops; see Application) -----------
         t << Row{"SavePercent abc", [](Env &) { WriteFile(ConfigPath(), "SavePercent abc\r\n"); },
