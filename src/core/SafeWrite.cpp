@@ -32,6 +32,7 @@ void stage(SafeWriteStage s, const QString &path)
     }
     rt::raise(number);
 }
+
 // Whether the folder refuses to take a new file because of its permissions (rather
 // than, say, a full disk, where writing in place could leave half a file behind).
 bool folderRefusesNewFiles(const QString &folder)
@@ -92,8 +93,8 @@ void WriteKeepingTail(const QString &path, const QByteArray &content)
     }
 
     QSaveFile out(path);
-    // Without this Qt would write straight into the file when it cannot create a
-    // temporary one beside it, which is just what must not happen.
+    // Qt's own fallback for a folder without a temporary file would truncate the file
+    // and take over on more failures than a refusing folder; the one below does neither.
     out.setDirectWriteFallback(false);
     if (!out.open(QIODevice::WriteOnly)) {
         if (info.exists() && folderRefusesNewFiles(info.absolutePath()) && writeInPlace(path, content))
