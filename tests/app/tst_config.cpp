@@ -22,9 +22,10 @@ private slots:
         QTest::newRow("tab does not separate") << "SaveType\tpng\r\n"_ba << "SaveType" << "jpg";
         QTest::newRow("longer key does not match") << "SaveTypeX png\r\n"_ba << "SaveType" << "jpg";
         QTest::newRow("key must start the line") << " SaveType png\r\n"_ba << "SaveType" << "jpg";
-        QTest::newRow("last non-empty wins") << "SaveType bmp\r\nSaveType gif\r\n"_ba << "SaveType" << "gif";
-        QTest::newRow("empty later value ignored") << "SaveType bmp\r\nSaveType \r\n"_ba << "SaveType" << "bmp";
-        QTest::newRow("LF lines, no final newline") << "a 1\nSaveType png"_ba << "SaveType" << "png";
+        QTest::newRow("last non-empty wins") << "SaveType bmp\r\nSaveType gif\r\nSaveType \r\n"_ba << "SaveType"
+                                             << "gif";
+        QTest::newRow("CR LF, LF or CR end a line") << "a 1\nSaveType bmp\r\nSaveType png\rb 2"_ba << "SaveType"
+                                                    << "png";
         QTest::newRow("value keeps inner blanks") << "AU1 C:\\My Maps\\a b.png \r\n"_ba << "AU1"
                                                   << "C:\\My Maps\\a b.png";
         QTest::newRow("tabs inside value kept") << "SaveType \tpng\r\n"_ba << "SaveType" << "\tpng";
@@ -82,10 +83,15 @@ private slots:
         QVERIFY(bytes.endsWith("\r\n"));
         for (int i = 0; i + 1 < lines.size(); ++i)
             QVERIFY2(lines[i].endsWith('\r'), lines[i].constData());
-        // Six banner lines, none starting with a letter; the fifth ends in " Options".
-        for (int i = 0; i < 6; ++i)
-            QVERIFY(!QChar::fromLatin1(lines[i].at(0)).isLetter());
+        // Six banner lines drawn with | _ / \ only; the fifth ends in " Options", the sixth
+        // is indented by seven blanks.
         QVERIFY(lines[4].endsWith(" Options\r"));
+        QVERIFY(lines[5].startsWith("       ") && lines[5].at(7) != ' ');
+        for (int i = 0; i < 6; ++i) {
+            const QByteArray art = lines[i].chopped(i == 4 ? 9 : 1);
+            QVERIFY2(!art.isEmpty() && std::all_of(art.begin(), art.end(), [](char c) { return strchr(" |_/\\", c); }),
+                     art.constData());
+        }
         const QByteArray body = bytes.mid(bytes.indexOf("\r\n\r\nLanguage") + 2);
         QCOMPARE(body, "\r\nLanguage L\r\n\r\nAU1 /maps/au1 big.png\r\nAU2 " + saved.AU2.toLocal8Bit() + "\r\nAU34 "
                            + saved.AU34.toLocal8Bit() + "\r\nBL3 b3\r\n\r\nOpenFolder " + saved.OpenFolder.toLocal8Bit()

@@ -5,6 +5,7 @@
 #include "app/Startup.h"
 #include "app/ui/QtDialogs.h"
 #include "app/ui/frmMDI.h"
+#include "app/ui/frmOptions.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/cBitmap.h"
 #include "imaging/cGDIP.h"
@@ -14,7 +15,6 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QMessageBox>
-#include <QTimer>
 #include <cstdio>
 #include <memory>
 
@@ -66,6 +66,16 @@ QString CommandLinePath(const QStringList &arguments)
     QString line = rawCommandLine(arguments);
     line.remove(u'"');
     return line;
+}
+
+frmOptions *ShowFirstRunOptions(frmMDI &mdi)
+{
+    if (QFileInfo::exists(ConfigPath()))
+        return nullptr;
+    // Modeless, so that a layout can be looked at while the settings are chosen.
+    frmOptions *dialog = OpenOptions(&mdi, [&mdi] { return mdi.recentFiles().items(); });
+    QObject::connect(dialog, &frmOptions::optionsSaved, &mdi, &frmMDI::OptionsSaved);
+    return dialog;
 }
 
 int VarnoMain(int argc, char *argv[])
@@ -124,8 +134,7 @@ int VarnoMain(int argc, char *argv[])
         mainWindow().LayoutAdd(path);
 
     // A first run (no Varno.cfg yet) ends with the options, so the user can set things up.
-    if (!QFileInfo::exists(ConfigPath()))
-        QTimer::singleShot(0, mdi.get(), [&] { mainWindow().ShowOptions(); });
+    ShowFirstRunOptions(mainWindow());
 
     const int rc = QApplication::exec();
     setDialogs(nullptr);
