@@ -68,8 +68,9 @@ check "everything in the user's folder writable by the user" test -z "$(as_user 
 as_user env XDG_DATA_HOME="$home/elsewhere" varno-cli info "$demo" >/dev/null
 check "XDG_DATA_HOME moves the folder" test -f "$home/elsewhere/varno/lang/English.lng"
 
-# The editor on a virtual screen, opening the demo from its command line; closing its
-# window the way a window manager does lets it write Varno.cfg on the way out.
+# The editor on a virtual screen, opening the demo from its command line. Closing the
+# first-run Options and then the main window, as a window manager would, lets it write
+# Varno.cfg on the way out.
 cat >"$closer" <<'PY'
 import ctypes as C, sys, time
 X = C.cdll.LoadLibrary("libX11.so.6")
@@ -110,29 +111,41 @@ def windows():
         X.XFree(kids)
     return [(w, t) for w, t in found if t]
 
-wanted, seen = sys.argv[1], []
-for _ in range(120):
+def close(w):
+    ev = ClientMessage(type=33, window=w, message_type=atom(b"WM_PROTOCOLS"), format=32)
+    ev.l[0] = atom(b"WM_DELETE_WINDOW")
+    X.XSendEvent(d, w, 0, 0, C.byref(ev))
+    X.XFlush(d)
+
+# Waits for the main window titled argv[1]..., then closes the dialogs titled argv[2:]
+# (a modal one blocks the main window) and the main window, asking again until it is gone.
+wanted, dialogs = sys.argv[1], sys.argv[2:]
+seen, shown = [], False
+for _ in range(60):
     seen = windows()
-    match = [w for w, t in seen if t.startswith(wanted)]
-    if match:
-        time.sleep(2)  # let it finish drawing and show the first-run options
-        print("windows:", ", ".join(sorted({t for _, t in windows()})))
-        ev = ClientMessage(type=33, window=match[0], message_type=atom(b"WM_PROTOCOLS"), format=32)
-        ev.l[0] = atom(b"WM_DELETE_WINDOW")
-        X.XSendEvent(d, match[0], 0, 0, C.byref(ev))
-        X.XFlush(d)
+    main = [w for w, t in seen if t.startswith(wanted)]
+    if not shown:
+        if main:
+            shown = True
+            print("windows:", ", ".join(sorted(t for _, t in seen)))
+            time.sleep(2)  # let it finish drawing and open its first-run dialog
+            continue
+    elif not main:
         sys.exit(0)
-    time.sleep(0.25)
-print("no window titled %r; saw %s" % (wanted, [t for _, t in seen]))
+    else:
+        open_dialogs = [w for w, t in seen if t in dialogs]
+        for w in open_dialogs or main:
+            close(w)
+    time.sleep(0.5)
+print("%s; saw %s" % ("the main window did not close" if shown else "no window titled %r" % wanted,
+                      [t for _, t in seen]))
 sys.exit(1)
 PY
 chmod 644 "$closer"
 gui_rc=0
 as_user timeout 90 xvfb-run -a -s "-screen 0 1280x1024x24" sh -c '
   varno "$1" & pid=$!
-  python3 "$2" "Varno - AU1_demo" || { kill $pid; wait $pid; exit 1; }
-  for i in $(seq 40); do kill -0 $pid 2>/dev/null || break; sleep 0.25; done
-  if kill -0 $pid 2>/dev/null; then echo "Varno did not close"; kill $pid; wait $pid; exit 1; fi
+  python3 "$2" "Varno - AU1_demo" Options || { kill $pid; wait $pid; exit 1; }
   wait $pid' _ "$demo" "$closer" || gui_rc=$?
 check "varno starts, opens the layout named on its command line and closes (exit $gui_rc)" test "$gui_rc" = 0
 check "Varno.cfg written in the user's folder" test -f "$folder/Varno.cfg" -a "$(stat -c %U "$folder/Varno.cfg" 2>/dev/null)" = "$user"
