@@ -149,6 +149,7 @@ as_user timeout 90 xvfb-run -a -s "-screen 0 1280x1024x24" sh -c '
   wait $pid' _ "$demo" "$closer" || gui_rc=$?
 check "varno starts, opens the layout named on its command line and closes (exit $gui_rc)" test "$gui_rc" = 0
 check "Varno.cfg written in the user's folder" test -f "$folder/Varno.cfg" -a "$(stat -c %U "$folder/Varno.cfg" 2>/dev/null)" = "$user"
+check "its settings point into that folder" grep -q "^AU1 $folder/backgrounds/AU1.png" "$folder/Varno.cfg"
 check "nothing in Varno.log" test ! -s "$folder/Varno.log"
 [ -s "$folder/Varno.log" ] && cat "$folder/Varno.log"
 
