@@ -3,9 +3,11 @@
 # it again (the package, and the check user if this script created it). Run as root after
 # scripts/package.sh:
 #   bash scripts/check-deb.sh [build/varno_<version>_amd64.deb]
-# Needs xvfb (xvfb-run) and python3, which closes the editor the way a window manager would.
+# It installs xvfb (xvfb-run) and python3 when missing; python3 closes the editor the way a
+# window manager would.
 set -euo pipefail
-root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+root="$VARNO_ROOT"
 deb="${1:-$(ls -t "$root"/build/varno_*_amd64.deb 2>/dev/null | head -n 1)}"
 user="${VARNO_CHECK_USER:-varnocheck}"
 
@@ -16,18 +18,22 @@ if dpkg-query -W -f='${Status}' varno 2>/dev/null | grep -q "install ok installe
   exit 1
 fi
 
+varno_install xvfb xauth python3
+
 created_user=0
 if ! id "$user" >/dev/null 2>&1; then
-  useradd -m -s /bin/bash "$user"
+  useradd -M -s /bin/sh "$user"
   created_user=1
 fi
-home="$(getent passwd "$user" | cut -d: -f6)"
+# A fresh home, so the user's folder starts empty as on a first run.
+home="$(mktemp -d /tmp/varno-check-home.XXXXXX)"
+chown "$user:" "$home"
 folder="$home/.local/share/varno"
 closer="$(mktemp --suffix=.py)"
 cleanup() {
   dpkg -r varno >/dev/null 2>&1 || true
-  [ "$created_user" = 1 ] && userdel -r "$user" >/dev/null 2>&1 || true
-  rm -f "$closer"
+  rm -rf "$home" "$closer"
+  [ "$created_user" = 1 ] && userdel "$user" >/dev/null 2>&1 || true
 }
 trap cleanup EXIT
 
