@@ -1,3 +1,4 @@
+#include "app/AppFolder.h"
 #include "app/Config.h"
 #include "app/ErrorLog.h"
 #include "app/Language.h"
@@ -155,15 +156,52 @@ private slots:
             QCOMPARE(options().SavePercent, 12);
     }
 
-    void defaultsFollowAppFolder()
+    // A build keeps its own folder; an installed copy works from the user's, filled once.
+    void applicationFolder_data()
     {
+        QTest::addColumn<QString>("exe");
+        QTest::addColumn<QString>("installed");
+        QTest::addColumn<bool>("perUser");
+        QTest::newRow("build runs in place") << "build/bin" << "usr/bin" << false;
+        QTest::newRow("installed") << "usr/bin" << "usr/bin" << true;
+#ifndef Q_OS_WIN // shortcuts are files there, not links
+        QTest::newRow("installed, seen through a link") << "link" << "usr/bin" << true;
+#endif
+        QTest::newRow("no install location") << "usr/bin" << "" << false;
+    }
+    void applicationFolder()
+    {
+        QFETCH(QString, exe);
+        QFETCH(QString, installed);
+        QFETCH(bool, perUser);
         TempAppFolder app(false);
-        QFile::remove(ConfigPath());
+        const QString r = app.path(), user = r + u"home/varno"_s;
+        for (const char *d : {"build/bin", "usr/bin", "share/packs"})
+            QVERIFY(QDir().mkpath(r + QLatin1String(d)));
+        if (exe == u"link")
+            QVERIFY(QFile::link(r + u"usr/bin"_s, r + exe));
+        WriteFile(r + u"share/objects/cone.png"_s, "shipped");
+        WriteFile(r + u"share/layouts/AU1_x.lyt"_s, "shipped");
+        WriteFile(user + u"/layouts/AU1_x.lyt"_s, "mine");
+        qputenv("XDG_DATA_HOME", (r + u"home"_s).toUtf8());
+        const auto restore = qScopeGuard([] { qunsetenv("XDG_DATA_HOME"); });
+
+        const QString bin = installed.isEmpty() ? QString() : r + installed;
+        const QString folder = ApplicationFolder(r + exe, bin, r + u"share"_s);
+        QCOMPARE(folder, perUser ? user : r + exe);
+        QCOMPARE(QFileInfo::exists(user + u"/objects/cone.png"_s), perUser);
+        QCOMPARE(QDir(user + u"/packs"_s).exists(), perUser);
+        QCOMPARE(ReadAll(user + u"/layouts/AU1_x.lyt"_s), "mine"_ba);
+        // Every default follows the folder.
+        SetAppPath(folder);
         GetOptions();
-        QCOMPARE(options().AU34, app.path() + u"backgrounds"_s + QDir::separator() + u"AU34.png"_s);
-        QCOMPARE(options().OpenFolder, app.path() + u"layouts"_s);
+        QCOMPARE(options().AU34, AppPath() + u"backgrounds"_s + QDir::separator() + u"AU34.png"_s);
+        QCOMPARE(options().OpenFolder, AppPath() + u"layouts"_s);
         QCOMPARE(options().SavePercent, 100);
-        QCOMPARE(options().SaveType, u"jpg"_s);
+        // Filled once per version: a shipped file the user deleted stays deleted.
+        QFile::remove(user + u"/objects/cone.png"_s);
+        ApplicationFolder(r + exe, bin, r + u"share"_s);
+        QVERIFY(!QFileInfo::exists(user + u"/objects/cone.png"_s));
     }
 };
 

@@ -1,5 +1,6 @@
 #include "app/ui/Application.h"
 
+#include "app/AppFolder.h"
 #include "app/Config.h"
 #include "app/ErrorLog.h"
 #include "app/Startup.h"
@@ -95,7 +96,7 @@ int VarnoMain(int argc, char *argv[])
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/varno.png")));
 
     // The application folder, and the dialogs every part of the program reports through.
-    SetAppPath(QApplication::applicationDirPath());
+    SetAppPath(ApplicationFolder(QApplication::applicationDirPath()));
     QtDialogs qtDialogs;
     setDialogs(&qtDialogs);
 
