@@ -150,8 +150,8 @@ private slots:
             QCOMPARE(qAlpha(image.pixel(0, 0)), 0);
         }
         QVERIFY(!xml.hasError());
-        QCOMPARE(aliases.size(), 1 + 14 + 2);
-        for (int i = 0; i < 14; ++i)
+        QCOMPARE(aliases.size(), 1 + 16 + 2);
+        for (int i = 0; i < 16; ++i)
             QVERIFY(aliases.contains(QString("%1.png").arg(i)));
     }
 

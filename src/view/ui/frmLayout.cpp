@@ -128,10 +128,11 @@ void frmLayout::setTool(int tool)
         t->cancel();
     m_tool = tool;
     m_canvas->setCursor(tool == ToolSelect ? Qt::ArrowCursor : Qt::CrossCursor);
+    // The listeners drop the old tool's hint first; the new tool then says its own.
+    emit ToolChanged(tool);
     if (LayoutTool *t = activeTool())
         hint(t->hint());
     Draw();
-    emit ToolChanged(tool);
 }
 
 LayoutTool *frmLayout::activeTool() const

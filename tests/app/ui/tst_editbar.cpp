@@ -27,11 +27,14 @@ struct Placed {
 struct Spies {
     explicit Spies(Editbar &bar)
         : change(&bar, &Editbar::ChangeClicked), pack(&bar, &Editbar::PackClicked), flip(&bar, &Editbar::FlipClicked),
-          angle(&bar, &Editbar::AngleChanged), width(&bar, &Editbar::WidthChanged)
+          angle(&bar, &Editbar::AngleChanged), width(&bar, &Editbar::WidthChanged), done(&bar, &Editbar::EditDone)
     {
     }
-    qsizetype total() const { return change.size() + pack.size() + flip.size() + angle.size() + width.size(); }
-    QSignalSpy change, pack, flip, angle, width;
+    qsizetype total() const
+    {
+        return change.size() + pack.size() + flip.size() + angle.size() + width.size() + done.size();
+    }
+    QSignalSpy change, pack, flip, angle, width, done;
 };
 
 } // namespace
@@ -206,6 +209,13 @@ private slots:
         QTest::keyClick(width, Qt::Key_Return);
         QCOMPARE(spies.width.size(), 1);
         QCOMPARE(spies.width.first().first().value<int16_t>(), int16_t(25));
+        // Escape drops what was typed; both keys end the typing.
+        width->selectAll();
+        QTest::keyClicks(width, u"7"_s);
+        QTest::keyClick(width, Qt::Key_Escape);
+        QCOMPARE(spies.width.size(), 1);
+        QCOMPARE(width->text(), u"25"_s);
+        QCOMPARE(spies.done.size(), 2);
         // The angle box's own steps are reported too.
         bar.udbAngle()->stepBy(-1);
         QCOMPARE(spies.angle.first().first().value<int16_t>(), int16_t(-1));

@@ -17,6 +17,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMouseEvent>
 #include <QSpinBox>
 #include <QTabWidget>
@@ -101,6 +102,25 @@ private slots:
         QCOMPARE(items[2]->text(), QStringLiteral("AU3 - Drag Strip"));
         QCOMPARE(items[4]->text(), QStringLiteral("BL3 - Parkplatz"));
         QCOMPARE(mdi.toolAction(1)->text(), QStringLiteral("Neu"));
+        // The menu bar holds the toolbar's commands, with their captions and keys.
+        QStringList menus;
+        for (QAction *top : mdi.menuBar()->actions()) {
+            QStringList items;
+            for (QAction *a : top->menu()->actions())
+                if (!a->isSeparator())
+                    items << a->text() + (a->menu() ? QStringLiteral(" >") : QString())
+                                 + (a->shortcut().isEmpty() ? QString() : ' ' + a->shortcut().toString());
+            menus << top->text() + ": " + items.join(", ");
+        }
+        QCOMPARE(menus, (QStringList{
+            "&File: Neu >, Open Ctrl+O, Open recent >, Save to Ctrl+S, Save As to Ctrl+Shift+S, Save to image, "
+            "Close, Quit Ctrl+Q",
+            "&Edit: Undo Alt+Backspace, Redo Ctrl+Y, Select all Ctrl+A, Copy Ctrl+C, Paste at the pointer Ctrl+V, "
+            "Duplicate Ctrl+D, Delete Del",
+            "&View: Zoom + +, Zoom - -, Fit &Width Ctrl+W, Fit &Height Ctrl+H, To Selection.., Object Zoom +, "
+            "Object Zoom -",
+            "&Tools: Select, Zoom tool Ctrl+Z, Measure distance Ctrl+M, Object line Ctrl+L, Options",
+            "&Help: Help/About"}));
         // A new layout's file name comes from the fixed code and entry 104.
         mdi.NewLayout(4);
         QCOMPARE(mdi.CurrentLayout()->LayoutName(), QStringLiteral("BL3_untitled.lyt"));
@@ -135,12 +155,15 @@ private slots:
         QVERIFY(l);
         l->setZoom(1.0f);
         QCOMPARE(mdi.panelText(4), QStringLiteral(" Zoom: 100%"));
-        l->setObjectZoom(25);
-        mdi.ToolbarClick(10); // 12.5 goes to the even neighbour
-        QCOMPARE(l->ObjectZoom(), int16_t(12));
-        QCOMPARE(mdi.panelText(5), QStringLiteral(" Object Zoom: 12%"));
-        mdi.ToolbarClick(9);
-        QCOMPARE(l->ObjectZoom(), int16_t(24));
+        // Object zoom halves and doubles within limits it can always come back from.
+        for (int i = 0; i < 3; ++i)
+            mdi.ToolbarClick(10);
+        QCOMPARE(mdi.panelText(5), QStringLiteral(" Object Zoom: 25%"));
+        QVERIFY(!mdi.toolAction(10)->isEnabled());
+        for (int i = 0; i < 7; ++i)
+            mdi.ToolbarClick(9);
+        QCOMPARE(mdi.panelText(5), QStringLiteral(" Object Zoom: 1600%"));
+        QVERIFY(!mdi.toolAction(9)->isEnabled() && mdi.toolAction(10)->isEnabled());
         mdi.ToolbarClick(6);
         QCOMPARE(mdi.panelText(4), QStringLiteral(" Zoom: 200%"));
         l->setLaps(3);
@@ -148,16 +171,71 @@ private slots:
         QCOMPARE(mdi.lapsBox()->value(), 3);
         mdi.lapsBox()->setValue(5);
         QCOMPARE(l->Laps(), uint8_t(5));
-        // The two tool buttons exclude each other and follow the keyboard.
-        mdi.toolAction(12)->trigger();
-        QCOMPARE(l->Tool(), int(ToolMeasure));
-        mdi.toolAction(13)->trigger();
-        QCOMPARE(l->Tool(), int(ToolLine));
-        QVERIFY(!mdi.toolAction(12)->isChecked());
-        mdi.toolAction(13)->trigger();
-        QCOMPARE(l->Tool(), int(ToolSelect));
-        QTest::keyClick(l->canvas(), Qt::Key_M, Qt::ControlModifier);
-        QVERIFY(mdi.toolAction(12)->isChecked());
+    }
+
+    // Tool buttons, Escape, the menu's shortcuts and the edit bar's boxes, on a layout
+    // with two objects (two undo steps). "T12" triggers a toolbar button ("Tsel" the
+    // select tool), "palette" moves the keyboard there, "Angle" types 45 into the edit
+    // bar's angle box with the first object selected; the rest are keys.
+    void toolsAndKeys_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<int>("tool");
+        QTest::addColumn<QString>("checked"); // select, zoom, measure, line
+        QTest::addColumn<QString>("hint");
+        QTest::addColumn<int>("objects");
+        const QString measuring = "Click and drag to measure distance";
+        QTest::newRow("a second press releases a tool") << "T12 T13 T13" << 0 << "1000" << "" << 2;
+        QTest::newRow("select stays checked") << "Tsel Tsel" << 0 << "1000" << "" << 2;
+        QTest::newRow("Ctrl+Z checks the zoom tool") << "Ctrl+Z" << 6 << "0100" << "" << 2;
+        QTest::newRow("Escape leaves a tool and its hint") << "Ctrl+M Esc" << 0 << "1000" << "" << 2;
+        QTest::newRow("Ctrl+M acts once") << "Ctrl+M Ctrl+M" << 12 << "0010" << measuring << 2;
+        QTest::newRow("undo in the layout acts once") << "Alt+Backspace" << 0 << "1000" << "" << 1;
+        QTest::newRow("the menu serves the palette") << "palette Alt+Backspace Ctrl+M" << 12 << "0010" << measuring << 1;
+        QTest::newRow("Enter in a box: keys to the layout") << "Angle Enter Del" << 0 << "1000" << "" << 1;
+        QTest::newRow("Escape in a box too") << "Angle Esc Del" << 0 << "1000" << "" << 1;
+    }
+    void toolsAndKeys()
+    {
+        QFETCH(QString, script);
+        QFETCH(int, tool);
+        QFETCH(QString, checked);
+        QFETCH(QString, hint);
+        QFETCH(int, objects);
+        frmMDI mdi;
+        mdi.show();
+        QVERIFY(QTest::qWaitForWindowActive(&mdi));
+        mdi.NewLayout(0);
+        frmLayout *l = mdi.CurrentLayout();
+        l->ObjectAdd(20, 800, 1300);
+        l->ObjectAdd(20, 900, 1300);
+        l->canvas()->setFocus();
+        for (const QString &step : script.split(' ')) {
+            if (step.startsWith('T')) {
+                (step == "Tsel" ? mdi.toolButtons().first() : mdi.toolAction(step.mid(1).toInt()))->trigger();
+            } else if (step == "palette") {
+                mdi.palette()->canvas()->setFocus();
+            } else if (step == "Angle") {
+                l->document().Objects().At(0).setSelected(true);
+                l->SelectionUpdate(true);
+                l->document().RaiseUpdates();
+                QSpinBox *box = mdi.editbar()->udbAngle();
+                box->setFocus();
+                QCOMPARE(QApplication::focusWidget(), box);
+                box->selectAll();
+                QTest::keyClicks(box, QStringLiteral("45"));
+            } else {
+                const QKeySequence key(step == "Esc" ? QStringLiteral("Escape") : step == "Del" ? QStringLiteral("Delete") : step);
+                QTest::keyClick(QApplication::focusWidget(), key[0].key(), key[0].keyboardModifiers());
+            }
+        }
+        QCOMPARE(l->Tool(), tool);
+        QString got;
+        for (const QAction *a : mdi.toolButtons())
+            got += a->isChecked() ? '1' : '0';
+        QCOMPARE(got, checked);
+        QCOMPARE(mdi.panelText(1), hint);
+        QCOMPARE(int(l->ObjectCount()), objects);
     }
 
     void recentItems()

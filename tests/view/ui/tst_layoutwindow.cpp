@@ -176,10 +176,8 @@ private slots:
         QTest::newRow("Ctrl+L") << "Ctrl+L" << start << 0.f << 13 << 20;
         QTest::newRow("Ctrl+M") << "Ctrl+M" << start << 0.f << 12 << 20;
         QTest::newRow("Shift+Ctrl+M is no tool") << "Ctrl+Shift+M" << start << 0.f << 0 << 20;
-        QTest::newRow("keypad +") << "Num+Plus" << start << 2.f << 0 << 20;
-        QTest::newRow("= key, any modifier") << "Shift+Equal" << start << 2.f << 0 << 20;
-        QTest::newRow("- key") << "Minus" << start << .5f << 0 << 20;
-        QTest::newRow("keypad - twice") << "Num+Minus Num+Minus" << start << .25f << 0 << 20;
+        QTest::newRow("keypad +, = with any modifier") << "Num+Plus Shift+Equal" << start << 4.f << 0 << 20;
+        QTest::newRow("- key, keypad -") << "Minus Num+Minus" << start << .25f << 0 << 20;
         QTest::newRow(", narrows the line") << "Comma Less" << start << 0.f << 0 << 18;
         QTest::newRow(". widens the line") << "Period Ctrl+Period" << start << 0.f << 0 << 22;
         QTest::newRow("arrow nudges by one") << "Right Up" << "20@201,199 a0 w0*; 20@300,200 a0 w0" << 0.f << 0 << 20;
@@ -188,7 +186,9 @@ private slots:
         QTest::newRow("Ctrl+Y redoes") << "Del Alt+Backspace Ctrl+Y" << "20@300,200 a0 w0" << 0.f << 0 << 20;
         QTest::newRow("Ctrl+Shift+Z redoes") << "Del Alt+Backspace Ctrl+Shift+Z" << "20@300,200 a0 w0" << 0.f << 0 << 20;
         QTest::newRow("Ctrl+Z does not undo") << "Del Ctrl+Z" << "20@300,200 a0 w0" << 0.f << 6 << 20;
-        QTest::newRow("Escape clears the selection") << "Esc" << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0.f << 0 << 20;
+        const QString none = "20@200,200 a0 w0; 20@300,200 a0 w0";
+        QTest::newRow("Escape clears the selection first") << "Ctrl+Z Esc" << none << 0.f << 6 << 20;
+        QTest::newRow("then leaves the tool") << "Ctrl+Z Esc Esc" << none << 0.f << 0 << 20;
     }
     void keyTable()
     {
@@ -332,27 +332,37 @@ private slots:
         connect(m_w.get(), &frmLayout::Message, this,
                 [&](bool refusal, int16_t, int16_t, const QString &t) { if (!refusal) hints << t; });
         keys(*m_w, "Ctrl+L");
-        QCOMPARE(hints.last(), QStringLiteral("Click and drag to create a line of objects"));
-        drag(*m_w, viewOf(*m_w, 100, 400), viewOf(*m_w, 205, 400));
-        QCOMPARE(describe(m_w->document()),
-                 QStringLiteral("20@200,200 a0 w0*; 20@300,200 a0 w0; 20@100,400 a0 w0; 20@120,400 a0 w0; "
-                                "20@140,400 a0 w0; 20@160,400 a0 w0; 20@180,400 a0 w0; 20@200,400 a0 w0"));
-        QCOMPARE(m_w->undoStack()->count(), 1);
+        QCOMPARE(hints.last(), QStringLiteral("Click and drag to create a line of objects \u2014 spacing 20 (5.7m)"));
+        // Pressed on the source, the row starts at the source, which is its first member.
+        mouse(*m_w, QEvent::MouseButtonPress, viewOf(*m_w, 201, 201), Qt::LeftButton, Qt::LeftButton);
+        mouse(*m_w, QEvent::MouseMove, viewOf(*m_w, 200, 265), Qt::NoButton, Qt::LeftButton);
+        QVERIFY2(hints.last().endsWith(QStringLiteral("spacing 20 (5.7m), copies: 3")), qPrintable(hints.last()));
+        keys(*m_w, "Period");
+        QVERIFY2(hints.last().endsWith(QStringLiteral("spacing 21 (6.0m), copies: 3")), qPrintable(hints.last()));
+        mouse(*m_w, QEvent::MouseButtonRelease, viewOf(*m_w, 200, 265), Qt::LeftButton, Qt::NoButton);
+        // A row from elsewhere that reaches the source leaves its slot to it.
+        drag(*m_w, viewOf(*m_w, 200, 158), viewOf(*m_w, 200, 200));
+        QCOMPARE(describe(m_w->document()).section(QStringLiteral("; "), 2),
+                 QStringLiteral("20@200,221 a0 w0; 20@200,242 a0 w0; 20@200,263 a0 w0; 20@200,158 a0 w0; "
+                                "20@200,179 a0 w0"));
+        QCOMPARE(m_w->undoStack()->count(), 2);
         // Without a single selected object a press picks one instead.
         keys(*m_w, "Ctrl+A");
         click(*m_w, viewOf(*m_w, 300, 200));
         QCOMPARE(m_w->document().Selection().size(), 1);
-        QCOMPARE(m_w->undoStack()->count(), 1);
-        // , and . change the spacing while dragging. They replay the last pointer move
-        // without modifiers, so the line follows the pointer itself again.
-        const QPoint from = viewOf(*m_w, 100, 600);
-        mouse(*m_w, QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton, Qt::ControlModifier);
+        QCOMPARE(m_w->undoStack()->count(), 2);
+        // The spacing keys replay the last pointer move without modifiers, so the line
+        // follows the pointer itself again.
+        mouse(*m_w, QEvent::MouseButtonPress, viewOf(*m_w, 100, 600), Qt::LeftButton, Qt::LeftButton, Qt::ControlModifier);
         mouse(*m_w, QEvent::MouseMove, viewOf(*m_w, 160, 603), Qt::NoButton, Qt::LeftButton, Qt::ControlModifier);
-        keys(*m_w, "Period Period Period Period Period Period Period Period Period Period");
-        QCOMPARE(hints.last(), QStringLiteral("Hold Ctrl to constrain to 15\u00b0 increments, use < and > to change spacing"));
+        keys(*m_w, "Period Period Period Period Period Period Period Period Period");
+        QVERIFY(hints.last().startsWith(QStringLiteral("Hold Ctrl to constrain to 15\u00b0 increments")));
         mouse(*m_w, QEvent::MouseButtonRelease, viewOf(*m_w, 160, 603), Qt::LeftButton, Qt::NoButton);
-        QCOMPARE(describe(m_w->document()).section(QStringLiteral("; "), 8),
+        QCOMPARE(describe(m_w->document()).section(QStringLiteral("; "), 7),
                  QStringLiteral("20@100,600 a0 w0; 20@130,601 a0 w0; 20@160,603 a0 w0"));
+        // Outside the line tool the spacing keys still say the new spacing.
+        keys(*m_w, "Esc Esc Comma");
+        QCOMPARE(hints.last(), QStringLiteral("Object line: spacing 29 (8.3m)"));
     }
 
     void zoomTool()
