@@ -292,7 +292,8 @@ QImage drawToolbarIcon(int index)
         case 14: { // Select tool: the arrow pointer
             p.setPen(inkPen(1.2));
             p.setBrush(kPaper);
-            p.drawPolygon(QPolygonF{{6, 2.5}, {6, 19}, {10, 15.2}, {13, 21.5}, {16, 20}, {13, 13.8}, {18.5, 13.8}});
+            p.drawPolygon(
+                QPolygonF{{6, 2.5}, {6, 19}, {10, 15.2}, {13, 21.5}, {16, 20}, {13, 13.8}, {18.5, 13.8}});
             break;
         }
         case 15: { // Zoom tool: a magnifier over a dashed frame

@@ -132,7 +132,8 @@ void frmMDI::buildToolbar()
         // The select and zoom tools stand with measure and line: the checked one of the
         // four is the tool in use.
         if (number == 12) {
-            m_toolSelect = bar->addAction(toolbarIcon(14), QString(), this, [this] { ChooseTool(ToolSelect); });
+            m_toolSelect =
+                bar->addAction(toolbarIcon(14), QString(), this, [this] { ChooseTool(ToolSelect); });
             m_toolZoom = bar->addAction(toolbarIcon(15), QString(), this, [this] { ChooseTool(ToolZoom); });
             for (QAction *a : {m_toolSelect, m_toolZoom}) {
                 a->setCheckable(true);
@@ -219,7 +220,8 @@ void frmMDI::buildMenus()
     // Edit: undo and redo, then the document's own clipboard keys, sent to it as if typed.
     QMenu *edit = m_menus[1];
     edit->addAction(keyed(m_undo, {QKeySequence(Qt::ALT | Qt::Key_Backspace)}));
-    edit->addAction(keyed(m_redo, {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)}));
+    edit->addAction(
+        keyed(m_redo, {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)}));
     edit->addSeparator();
     const struct {
         int code;
@@ -393,7 +395,8 @@ void frmMDI::setCaptions()
         m_menus[i]->setTitle(QLatin1String(menuTitles[i]));
     m_newMenu->setTitle(Lang(30));
     m_openMenu->setTitle(QStringLiteral("Open recent"));
-    static const char *const editTexts[5] = {"Select all", "Copy", "Paste at the pointer", "Duplicate", "Delete"};
+    static const char *const editTexts[5] = {"Select all", "Copy", "Paste at the pointer", "Duplicate",
+                                             "Delete"};
     for (int i = 0; i < m_editCommands.size(); ++i)
         m_editCommands[i]->setText(QLatin1String(editTexts[i]));
     m_lapsLabel->setText(Lang(65));

@@ -192,7 +192,8 @@ void frmMDI::CurrentLayout_Updated()
     m_panels[2]->setText(QStringLiteral(" ") + Lang(66) + QStringLiteral(": ") + QString::number(m_current->ObjectCount()));
     m_panels[3]->setText(QStringLiteral(" ") + Lang(67) + QStringLiteral(": ") + FormatPercent(m_current->Zoom()));
     const int16_t objectZoom = m_current->ObjectZoom();
-    m_panels[4]->setText(QStringLiteral(" ") + Lang(70) + QStringLiteral(": ") + FormatPercent(objectZoom / 100.0));
+    m_panels[4]->setText(QStringLiteral(" ") + Lang(70) + QStringLiteral(": ")
+                         + FormatPercent(objectZoom / 100.0));
     toolAction(9)->setEnabled(objectZoom < ViewGeometry::MaxObjectZoom);
     toolAction(10)->setEnabled(objectZoom > ViewGeometry::MinObjectZoom);
 }
@@ -228,7 +229,8 @@ void frmMDI::ToolbarClick(int button)
         case 12:
         case 13:
             // A second press on the tool in use releases it, back to selecting.
-            ChooseTool(toolAction(button)->isChecked() ? (button == 12 ? ToolMeasure : ToolLine) : ToolSelect);
+            ChooseTool(toolAction(button)->isChecked() ? (button == 12 ? ToolMeasure : ToolLine)
+                                                       : ToolSelect);
             break;
         case 15: ShowOptions(); break;
         case 16: ShowAbout(); break;

@@ -124,7 +124,7 @@ private:
     void rebuild();
 
     QString m_sourceKey;
-    QPoint m_source;    // layout units
+    QPoint m_source;                          // layout units
     std::unique_ptr<varnoObject> m_prototype; // drawn ghosted along the line
     bool m_dragging = false;
     QPoint m_from;      // layout units

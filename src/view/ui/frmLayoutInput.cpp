@@ -154,9 +154,10 @@ void frmLayout::KeyDown(int keyCode, int shift)
             // the tool itself, so a tool is never a trap.
             if (LayoutTool *t = activeTool(); t && t->busy())
                 t->cancel();
-            else if (!m_doc.Selection().isEmpty())
+            else if (!m_doc.Selection().isEmpty()) {
                 m_doc.SelectAll(false);
-            else
+                hint(activeTool()->hint()); // the object line asks for an object again
+            } else
                 setTool(ToolSelect);
             Draw();
             break;
