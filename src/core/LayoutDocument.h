@@ -29,7 +29,6 @@ struct DocumentState {
     bool hasStart = false, hasCheckpoint1 = false, hasCheckpoint2 = false, hasCheckpoint3 = false,
          hasFinish = false;
     uint8_t laps = 0;
-    bool edited = false;
 };
 
 // The smallest and largest X and Y over the selected objects.

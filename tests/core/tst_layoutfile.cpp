@@ -117,6 +117,7 @@ private slots:
         QFETCH(QString, problem);
         WriteFile(m_fx.layoutPath(file), bytes);
         auto doc = m_fx.document(file);
+        ClearLoggedErrors(); // an unknown type has been reported by the background's loading
         QSignalSpy refusals(doc.get(), &LayoutDocument::Message);
         const bool logged = problem.contains(u" in "_s);
         QCOMPARE(doc->LayoutOpen(), !logged);
@@ -268,8 +269,8 @@ private slots:
 
         DocumentState s = doc.snapshot();
         s.objects.push_back(std::make_shared<nrmlObject>());
-        s.edited = true;
         doc.restore(s);
+        doc.setEdited(true);
         QSignalSpy named(&doc, &LayoutDocument::LayoutNameChanged);
         QVERIFY(!doc.LayoutSave(false));
         QCOMPARE(m_dialogs->messages.value(0).text, u"XY2\r\n"_s + Lang(164));

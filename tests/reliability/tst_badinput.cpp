@@ -179,12 +179,13 @@ const QList<Row> &rows()
         t << Row{"an empty file", [](Env &e) { e.layout(u"AU1_empty.lyt"_s, {}); },
                  [](Env &e) { return open(e, u"AU1_empty.lyt"_s); }, u"failed 0"_s, {sorry(open62)}, {open62}};
         t << Row{"unknown type without objects", [](Env &e) { e.layout(u"XY2_none.lyt"_s, lytHeader(251, 0, 0)); },
-                 [](Env &e) { return open(e, u"XY2_none.lyt"_s); }, u"opened 0"_s, {u"XY2\r\n"_s + kUnsupported}, {}};
+                 [](Env &e) { return open(e, u"XY2_none.lyt"_s); }, u"opened 0"_s, {sorry(u"XY2\r\n"_s + kUnsupported)},
+                 {u"XY2\r\n"_s + kUnsupported}};
         t << Row{"unknown type with objects", [](Env &e) { e.layout(u"XY2_one.lyt"_s, lytHeader(251, 1, 0) + cone()); },
                  [](Env &e) { return open(e, u"XY2_one.lyt"_s); }, u"failed 0"_s,
-                 {u"XY2\r\n"_s + kUnsupported,
+                 {sorry(u"XY2\r\n"_s + kUnsupported),
                   sorry(u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s)},
-                 {u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s}};
+                 {u"XY2\r\n"_s + kUnsupported, u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s}};
         t << Row{"a layout path longer than the platform allows", {},
                  [longName](Env &e) { return open(e, longName); }, u"failed 0"_s,
                  {u"{app}layouts/"_s + longName + kNotFound}, {}};

@@ -14,7 +14,7 @@
 namespace {
 
 // The picture the export must produce, drawn in one go: the background stretched, and
-// when asked each object at its scaled, rounded position with zoom 4 / scale.
+// when asked each object, unselected, at its scaled, rounded position with zoom 4 / scale.
 QImage referencePicture(const LayoutDocument &doc, QSize size, bool objects)
 {
     QImage picture(size, QImage::Format_ARGB32_Premultiplied);
@@ -25,10 +25,13 @@ QImage referencePicture(const LayoutDocument &doc, QSize size, bool objects)
         g.CreateFromHdc(&picture);
         g.SetInterpolationMode(InterpolationModeHighQualityBicubic);
         g.DrawImageRectI(doc.Background(), 0, 0, size.width(), size.height());
-        for (varnoObject &o : doc.Objects())
-            if (objects)
-                o.Draw(int(rt::roundHalfEven(double(float(o.X()) * scale))),
-                       int(rt::roundHalfEven(double(float(o.Y()) * scale))), g, 4.0f / scale, nullptr);
+        for (const varnoObject &o : doc.Objects())
+            if (objects) {
+                const auto plain = o.clone();
+                plain->setSelected(false);
+                plain->Draw(int(rt::roundHalfEven(double(float(o.X()) * scale))),
+                            int(rt::roundHalfEven(double(float(o.Y()) * scale))), g, 4.0f / scale, nullptr);
+            }
     }
     return picture.convertToFormat(QImage::Format_ARGB32);
 }
@@ -284,7 +287,7 @@ private slots:
             WriteFile(path, "old picture");
         double last = -1;
         bool ordered = true;
-        const ImageExportResult r = RenderLayoutImage(*m_doc, path, 2000, 1600, 90, [&](double f) {
+        const ImageExportResult r = RenderLayoutImage(ExportScene(*m_doc), path, 2000, 1600, 90, [&](double f) {
             ordered = ordered && f >= last;
             last = f;
             return f < stopAt;

@@ -49,6 +49,8 @@ public:
     // Closes one document, asking about unsaved changes; false when the user cancelled.
     bool CloseLayout(frmLayout *layout);
     void ShowOptions();
+    // After the options dialog saved: captions, palette and edit bar follow the new settings.
+    void OptionsSaved();
     void ShowAbout();
     void Undo();
     void Redo();

@@ -294,8 +294,12 @@ void frmMDI::Redo()
 
 void frmMDI::ShowOptions()
 {
-    if (!::ShowOptions(this, [this] { return m_recent.items(); }))
-        return;
+    if (::ShowOptions(this, [this] { return m_recent.items(); }))
+        OptionsSaved();
+}
+
+void frmMDI::OptionsSaved()
+{
     // A saved dialog may have changed the language: every caption is read again.
     guarded(QStringLiteral("frmMDI.ShowOptions"), [&] {
         setCaptions();

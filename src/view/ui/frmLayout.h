@@ -130,6 +130,8 @@ private:
     void canvasResized(int width, int height);
     void mouseEvent(QMouseEvent *event);
     void onRestored();
+    // The document is edited exactly when the undo stack is away from its saved point.
+    void syncEdited();
     // Keeps a view point as the last pointer position, in layout units.
     void setPointerAt(const QPointF &viewPos);
     // Puts the palette preview under a view point.

@@ -3,6 +3,7 @@
 #include "app/Startup.h"
 #include "app/ui/Application.h"
 #include "app/ui/frmMDI.h"
+#include "app/ui/frmOptions.h"
 #include "support/TestSupport.h"
 
 #include <QtTest>
@@ -17,7 +18,6 @@ private slots:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("path");
         QTest::newRow("none") << QStringList{"Varno"} << "";
-        QTest::newRow("one plain path") << QStringList{"Varno", "/l/AU1_a.lyt"} << "/l/AU1_a.lyt";
         QTest::newRow("quotes removed anywhere") << QStringList{"Varno", "\"/my maps/AU1_a.lyt\""}
                                                  << "/my maps/AU1_a.lyt";
         QTest::newRow("two paths are one") << QStringList{"Varno", "\"/a/AU1_x.lyt\"", "\"/b/AU2_y.lyt\""}
@@ -56,6 +56,26 @@ private slots:
         QStringList recent;
         GetOptions([&](const QString &p) { recent.prepend(p); });
         QCOMPARE(recent.mid(0, 2), (QStringList{u"/x/BL3_new.lyt"_s, u"/x/AU1_old.lyt"_s}));
+    }
+
+    // A first run shows the options without blocking the main window, and frees them when
+    // they close. With a Varno.cfg there is nothing to show.
+    void firstRunOptionsModeless()
+    {
+        TempAppFolder app(false);
+        ScriptedDialogs dlg;
+        options() = Options::defaults();
+        frmMDI mdi;
+        mdi.show();
+        // Were the dialog modal, this ends it so that the test fails instead of hanging.
+        QTimer::singleShot(0, [] { if (QWidget *w = QApplication::activeModalWidget()) w->close(); });
+        QPointer<frmOptions> dialog = ShowFirstRunOptions(mdi);
+        QVERIFY(dialog && dialog->isVisible() && !dialog->isModal() && !QApplication::activeModalWidget());
+        QVERIFY(dialog->parent() == &mdi);
+        dialog->close();
+        QTRY_VERIFY(!dialog);
+        WriteFile(ConfigPath(), {});
+        QVERIFY(!ShowFirstRunOptions(mdi));
     }
 };
 

@@ -164,7 +164,7 @@ private slots:
     {
         frmMDI mdi;
         const QString good = m_app->file(QStringLiteral("layouts/AU1_good.lyt"));
-        const QString gone = m_app->file(QStringLiteral("layouts/XYZ_gone.lyt"));
+        const QString gone = WriteFile(m_app->file(QStringLiteral("layouts/AU1_broken.lyt")), "LFS");
         mdi.RecentAdd(good);
         mdi.RecentAdd(gone);
         mdi.RecentAdd(QString());

@@ -1,6 +1,7 @@
 // The document window driven as a user drives it: keys, mouse tools, undo and paint.
 
 #include "WindowFixture.h"
+#include "support/DocumentFixture.h"
 
 #include "imaging/cBitmap.h"
 #include "core/LayoutDocument.h"
@@ -32,6 +33,14 @@ void keys(frmLayout &w, const QString &script)
         const Qt::Key key = names.contains(k) ? names.value(k) : Qt::Key(Qt::Key_A + (k.at(0).unicode() - 'A'));
         QTest::keyClick(w.canvas(), key, mods);
     }
+}
+
+void wheel(frmLayout &w, int delta, Qt::KeyboardModifiers mods)
+{
+    QWidget *c = w.canvas();
+    QWheelEvent e(QPointF(100, 100), c->mapToGlobal(QPointF(100, 100)), QPoint(), QPoint(0, delta), Qt::NoButton,
+                  mods, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(c, &e);
 }
 
 // Everything undo must bring back, keys and route numbers included.
@@ -86,28 +95,55 @@ private slots:
         m_fx.reset();
     }
 
+    // A layout whose background or type is wrong still opens (with no bounds, so nothing
+    // can be placed); only a file that cannot be read keeps its tab from opening.
     void initilize_data()
     {
         QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("bytes"); // empty: no file yet
+        QTest::addColumn<bool>("background");
         QTest::addColumn<bool>("ok");
         QTest::addColumn<QString>("message");
-        QTest::newRow("new AU2") << "AU2_fresh.lyt" << true << "";
-        QTest::newRow("unknown type") << "XYZ_fresh.lyt" << false
-                                      << "XYZ\r\nUnsupported layout. Currently only AU1, AU2, AU3, AU4 and BL3 are supported.";
+        const QString unsupported = "Unsupported layout. Currently only AU1, AU2, AU3, AU4 and BL3 are supported.";
+        const QByteArray cone = lytHeader(251, 1, 1) + lytRecord(0, -13224, 255, 0, 29, 128);
+        QTest::newRow("new AU2") << "AU2_fresh.lyt" << QByteArray() << true << true << "";
+        QTest::newRow("unknown type") << "XYZ_fresh.lyt" << QByteArray() << true << true
+                                      << ErrorBoxText("XYZ\r\n" + unsupported);
+        QTest::newRow("unknown type with objects")
+            << "XYZ_full.lyt" << cone << true << false
+            << ErrorBoxText("5: XYZ_full.lyt\r\n\r\n" + unsupported + " in frmLayout.LayoutOpen");
+        QTest::newRow("background missing") << "AU1_bare.lyt" << cone << false << true << "BG\r\n\r\nNot found!?";
     }
     void initilize()
     {
         QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, background);
         QFETCH(bool, ok);
         QFETCH(QString, message);
+        if (!bytes.isEmpty())
+            WriteFile(m_fx->layoutPath(name), bytes);
+        if (!background) {
+            options().AU1 = QString();
+            message.replace("BG", m_fx->app.file("backgrounds/AU1.png"));
+            QFile::remove(m_fx->app.file("backgrounds/AU1.png"));
+        }
         frmLayout w;
+        w.resize(400, 300);
         QCOMPARE(w.Initilize(m_fx->layoutPath(name)), ok);
         QCOMPARE(m_fx->dialogs.messages.isEmpty() ? QString() : m_fx->dialogs.messages.last().text, message);
-        if (ok) {
-            QCOMPARE(w.LayoutType(), name.left(3));
-            QCOMPARE(w.ObjectCount(), int16_t(0));
-            QVERIFY(!w.Edited());
-        }
+        if (!ok)
+            return;
+        QCOMPARE(w.LayoutType(), name.left(3));
+        QCOMPARE(w.ObjectCount(), int16_t(0));
+        QVERIFY(!w.Edited());
+        // Without bounds it paints, zooms and refuses what is dropped, and stays usable.
+        w.show();
+        w.setZoom(87);
+        w.GoToStart();
+        QVERIFY(!w.grab().isNull());
+        w.ObjectAdd(20, 10, 10, 0, 0, false, false);
+        QCOMPARE(w.ObjectCount(), int16_t(message.isEmpty() ? 1 : 0)); // the rows with a message have no bounds
     }
 
     void keyTable_data()
@@ -445,23 +481,45 @@ private slots:
         QVERIFY(!m_w->Edited()); // back at the saved point
         m_w->Undo();
         QVERIFY(m_w->Edited()); // before the saved point
+        m_fx->dialogs.answers << MsgResult::Cancel;
+        QVERIFY(!m_w->QueryClose()); // only redo steps are left, and they are not in the file
+    }
+
+    // A new layout fits the window as it grows, until the user chooses a zoom.
+    void firstFitLastsUntilTheUserZooms_data()
+    {
+        QTest::addColumn<QString>("zoom");
+        QTest::newRow("no zoom") << "";
+        QTest::newRow("Ctrl+wheel") << "Ctrl";
+        QTest::newRow("Shift+wheel") << "Shift";
+        QTest::newRow("plus key") << "Plus";
+    }
+    void firstFitLastsUntilTheUserZooms()
+    {
+        QFETCH(QString, zoom);
+        frmLayout w;
+        w.resize(400, 300);
+        QVERIFY(w.Initilize(m_fx->layoutPath("AU1_fit.lyt")));
+        w.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        if (zoom == "Plus")
+            keys(w, "Plus");
+        else if (!zoom.isEmpty())
+            wheel(w, 120, zoom == "Ctrl" ? Qt::ControlModifier : Qt::ShiftModifier);
+        const float before = w.Zoom();
+        w.resize(800, 600);
+        QCOMPARE(w.Zoom() != before, zoom.isEmpty());
     }
 
     void viewCommands()
     {
         // Ctrl or Shift with the wheel doubles or halves the zoom; a plain wheel scrolls.
-        auto wheel = [&](int delta, Qt::KeyboardModifiers mods) {
-            QWidget *c = m_w->canvas();
-            QWheelEvent e(QPointF(100, 100), c->mapToGlobal(QPointF(100, 100)), QPoint(), QPoint(0, delta),
-                          Qt::NoButton, mods, Qt::NoScrollPhase, false);
-            QApplication::sendEvent(c, &e);
-        };
-        wheel(120, Qt::ControlModifier);
+        wheel(*m_w, 120, Qt::ControlModifier);
         QCOMPARE(m_w->Zoom(), 2.0f);
-        wheel(-120, Qt::ShiftModifier);
+        wheel(*m_w, -120, Qt::ShiftModifier);
         QCOMPARE(m_w->Zoom(), 1.0f);
         const int32_t before = m_w->view().ScrollY();
-        wheel(-120, Qt::NoModifier);
+        wheel(*m_w, -120, Qt::NoModifier);
         QVERIFY(m_w->view().ScrollY() > before);
         QCOMPARE(m_w->Zoom(), 1.0f);
 
