@@ -121,7 +121,8 @@ int varnoObject::drawnSize(float zoom) const
 {
     if (zoom <= 0)
         return 1;
-    return std::max(1, static_cast<int>(rt::toInt32(static_cast<double>(static_cast<float>(m_image.Width()) / zoom))));
+    return std::max(
+        1, static_cast<int>(rt::toInt32(static_cast<double>(static_cast<float>(m_image.Width()) / zoom))));
 }
 
 QRect varnoObject::DrawnRect(int x, int y, float zoom) const
@@ -147,12 +148,14 @@ void varnoObject::drawPicture(int x, int y, cGraphics &graphics, float zoom, con
     // highlighted whatever else was asked for.
     // Only the part that is not transparent is copied: turned pictures sit in a
     // padded square, and a line is a thin strip across a large one.
-    const ColorMatrix *tint = m_selected ? &highlightAttributes()
+    const ColorMatrix *tint = m_selected                                ? &highlightAttributes()
                               : attributes && !attributes->isIdentity() ? attributes
                                                                         : nullptr;
     const bool smooth = graphics.Handle() && graphics.Handle()->testRenderHint(QPainter::SmoothPixmapTransform);
     if (m_sprite.isNull() || m_spriteSize != size || m_spriteTint != tint || m_spriteSmooth != smooth) {
-        const QImage source = !tint ? m_image.Handle() : m_selected ? highlightedImage() : tint->applied(m_image.Handle());
+        const QImage source = !tint        ? m_image.Handle()
+                              : m_selected ? highlightedImage()
+                                           : tint->applied(m_image.Handle());
         m_sprite = size == source.width() ? source : scaledForDrawing(source, size, smooth);
         m_spriteSize = size;
         m_spriteTint = tint;
@@ -302,7 +305,8 @@ void mrshObject::Draw(int x, int y, cGraphics &graphics, float zoom, const Color
 
 QRect mrshObject::DrawnRect(int x, int y, float zoom) const
 {
-    const int diameter = zoom > 0 ? rt::toInt32(static_cast<double>(static_cast<float>(ImageSize()) / zoom)) : 0;
+    const int diameter =
+        zoom > 0 ? rt::toInt32(static_cast<double>(static_cast<float>(ImageSize()) / zoom)) : 0;
     const QRect circle(x - diameter / 2, y - diameter / 2, diameter, diameter);
     return circle | varnoObject::DrawnRect(x, y, zoom);
 }

@@ -74,7 +74,8 @@ void fillFrame(QPainter &p, const QRect &r, int thickness, const QColor &colour)
     p.fillRect(QRect(r.left(), r.top(), r.width(), thickness), colour);
     p.fillRect(QRect(r.left(), r.bottom() - thickness + 1, r.width(), thickness), colour);
     p.fillRect(QRect(r.left(), r.top() + thickness, thickness, r.height() - 2 * thickness), colour);
-    p.fillRect(QRect(r.right() - thickness + 1, r.top() + thickness, thickness, r.height() - 2 * thickness), colour);
+    p.fillRect(QRect(r.right() - thickness + 1, r.top() + thickness, thickness, r.height() - 2 * thickness),
+               colour);
 }
 
 // A one-pixel line in the selection colour on a darker three-pixel one, so the marks
@@ -120,10 +121,12 @@ int LayoutPainter::Draw(cGraphics &graphics, const LayoutDocument &doc, const Vi
                 ++drawn;
             }
             if (o.Selected()) {
-                const QRect r = o.DrawnRect(x, y, scale);
-                selection |= r.isEmpty() ? QRect(x, y, 1, 1) : r;
-                if (near && r.width() < SelectionMarkerBelow && r.height() < SelectionMarkerBelow)
+                QRect r = o.DrawnRect(x, y, scale);
+                if (near && r.width() < SelectionMarkerBelow && r.height() < SelectionMarkerBelow) {
                     marks.emplace_back(x - 3, y - 3, 7, 7);
+                    r = marks.back();
+                }
+                selection |= r.isEmpty() ? QRect(x, y, 1, 1) : r;
             }
         }
     }

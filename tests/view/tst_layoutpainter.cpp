@@ -1,8 +1,8 @@
 // The repaint without a window: culling around the visible area, what gets drawn, thin
 // lines at small sizes (in the view and in exports) and the selection marks.
 
-#include "support/DocumentFixture.h"
 #include "imaging/cGraphics.h"
+#include "support/DocumentFixture.h"
 #include "view/LayoutImageExport.h"
 #include "view/LayoutPainter.h"
 #include "view/ViewGeometry.h"
@@ -45,7 +45,8 @@ class TestLayoutPainter : public DocumentTest {
         return {x, y};
     }
     // Pixels within reach of at whose colour is near colour (or, with far, not near it).
-    static bool colourNear(const QImage &image, QPoint at, int reach, QRgb colour, int tolerance, bool far = false)
+    static bool colourNear(const QImage &image, QPoint at, int reach, QRgb colour, int tolerance,
+                           bool far = false)
     {
         for (int y = at.y() - reach; y <= at.y() + reach; ++y)
             for (int x = at.x() - reach; x <= at.x() + reach; ++x) {
@@ -64,12 +65,12 @@ private slots:
     void initTestCase()
     {
         // White pictures, tinted by kind: the 23 x 5 strip of the lines and a 40 x 40 cone.
-        QImage line(23, 5, QImage::Format_ARGB32);
-        line.fill(Qt::white);
-        line.save(m_fx.app.file(QStringLiteral("objects/line.png")));
-        QImage cone(40, 40, QImage::Format_ARGB32);
-        cone.fill(Qt::white);
-        cone.save(m_fx.app.file(QStringLiteral("objects/cone.png")));
+        for (const QSize size : {QSize(23, 5), QSize(40, 40)}) {
+            QImage white(size, QImage::Format_ARGB32);
+            white.fill(Qt::white);
+            white.save(m_fx.app.file(size.height() == 5 ? QStringLiteral("objects/line.png")
+                                                        : QStringLiteral("objects/cone.png")));
+        }
         FillCatalogue();
     }
 
@@ -189,11 +190,17 @@ private slots:
                     // 22.8 picture pixels per unit of width, four to a layout unit.
                     const double half = width * 22.8 * percent / 400.0 / 2.0;
                     const double a = qDegreesToRadians(double(angle));
-                    for (double along = -half + 1; along <= half - 1 || along == -half + 1; along += 1.0) {
-                        const QPoint at = centre + QPoint(qRound(along * std::cos(a)), qRound(-along * std::sin(a)));
+                    for (double along = std::min(0.0, 1 - half); along <= std::max(0.0, half - 1);
+                         along += 1.0) {
+                        const QPoint at =
+                            centre + QPoint(qRound(along * std::cos(a)), qRound(-along * std::sin(a)));
                         QVERIFY2(colourNear(picture, at, 2, ground, 2, true),
-                                 qPrintable(QStringLiteral("width %1 turned %2 at %3%: nothing %4 px from the middle")
-                                                .arg(width).arg(angle).arg(percent).arg(along)));
+                                 qPrintable(QStringLiteral(
+                                                "width %1 turned %2 at %3%: nothing %4 px from the middle")
+                                                .arg(width)
+                                                .arg(angle)
+                                                .arg(percent)
+                                                .arg(along)));
                     }
                 }
     }
@@ -225,8 +232,8 @@ private slots:
                     outline |= QRect(x, y, 1, 1);
         // Around both lines whole (57 units long), clear of the unselected cone.
         const int reach = qRound(57 / 2 * zoom);
-        QVERIFY2(outline.contains(QRect(inView(view, 300, 300) - QPoint(reach, 0), inView(view, 700, 500) + QPoint(reach, 0))),
-                 qPrintable(QStringLiteral("outline %1,%2 %3x%4").arg(outline.x()).arg(outline.y()).arg(outline.width()).arg(outline.height())));
+        QVERIFY(outline.contains(
+            QRect(inView(view, 300, 300) - QPoint(reach, 0), inView(view, 700, 500) + QPoint(reach, 0))));
         QVERIFY(!outline.contains(inView(view, 850, 150)));
         QCOMPARE(colourNear(picture, inView(view, 500, 400), 4, SelectionColour, 24), marker);
 
