@@ -126,10 +126,11 @@ QString usage()
            "  varno-cli --help | --version\n"
            "\n"
            "The layout type comes from the first three letters of the file name (AU1, AU2,\n"
-           "AU3, AU4, BL3). Varno.cfg and Varno.log beside varno-cli are used as the editor\n"
+           "AU3, AU4, BL3). Varno.cfg and Varno.log in the application folder (beside\n"
+           "varno-cli; ~/.local/share/varno for an installed copy) are used as the editor\n"
            "uses its own. Exit status: 0 success, 1 failure or a logged error (also a layout\n"
-           "that could not be read, or whose background picture could not be loaded, so\n"
-           "that its objects would be lost), 2 usage error.\n"_s;
+           "that could not be read whole: broken, of an unknown type, or whose background\n"
+           "picture could not be loaded, so that its objects would be lost), 2 usage error.\n"_s;
 }
 
 int info(const QString &file, bool json)

@@ -2,10 +2,12 @@
 #include "app/Language.h"
 #include "app/Startup.h"
 #include "app/ui/Application.h"
+#include "app/ui/QtDialogs.h"
 #include "app/ui/frmMDI.h"
 #include "app/ui/frmOptions.h"
 #include "support/TestSupport.h"
 
+#include <QFileDialog>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -72,6 +74,32 @@ private slots:
         QTRY_VERIFY(!dialog);
         WriteFile(ConfigPath(), {});
         QVERIFY(!ShowFirstRunOptions(mdi));
+    }
+
+    // A save dialog whose folder does not exist (a remembered save folder often is a
+    // cut-off path) starts in the nearest folder above it, not where the last dialog,
+    // the pack dialog in packs/, happened to be.
+    void saveDialogStartsNearItsFolder()
+    {
+        TempAppFolder app(false);
+        QtDialogs dialogs;
+        QString shown;
+        auto save = [&](const QString &folder, const QString &name) {
+            QTimer::singleShot(0, [&] {
+                if (auto *d = qobject_cast<QFileDialog *>(QApplication::activeModalWidget())) {
+                    shown = d->directory().path();
+                    d->reject();
+                }
+            });
+            FileDialogRequest r;
+            r.initialDir = folder;
+            r.fileName = name;
+            dialogs.saveFile(r);
+            return QFileInfo(shown).canonicalFilePath();
+        };
+        const QString packs = QDir().mkpath(app.file(u"packs"_s)) ? app.file(u"packs"_s) : QString();
+        QCOMPARE(save(packs, u"AU_x.pack"_s), QFileInfo(packs).canonicalFilePath());
+        QCOMPARE(save(app.file(u"layo"_s), u"AU1_x.lyt"_s), QFileInfo(app.path()).canonicalFilePath());
     }
 };
 
