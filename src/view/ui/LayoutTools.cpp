@@ -335,4 +335,13 @@ void LineTool::paintOverlay(QPainter &p)
         m_prototype->Draw(int(std::lround(at.x())), int(std::lround(at.y())), graphics, v.ObjectScale(),
                           &ghostAttributes());
     }
+    // A ring at every copy: at a small zoom the ghosts are a pixel or two, and the user
+    // should still see where each copy will land.
+    p.save();
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(QPen(QColor(255, 255, 255, 200), 1));
+    p.setBrush(Qt::NoBrush);
+    for (const QPoint &pt : m_points)
+        p.drawEllipse(toViewF(v, pt), 3, 3);
+    p.restore();
 }
