@@ -6,9 +6,7 @@
 #include "ReliabilitySupport.h"
 #include "support/DocumentFixture.h"
 
-#include "app/Config.h"
 #include "app/ErrorLog.h"
-#include "imaging/cGDIP.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -66,16 +64,6 @@ QString dropPack(Env &env, const QString &name, int x, int y)
 {
     env.base->PackRead(name, int16_t(x), int16_t(y));
     return objectsText(*env.base);
-}
-
-QString readOptions()
-{
-    try {
-        GetOptions();
-    } catch (const rt::Error &e) {
-        return e.message();
-    }
-    return u"read"_s;
 }
 
 QString loadLanguage(Env &env)
@@ -139,7 +127,6 @@ const QList<Row> &rows()
 {
     static const QList<Row> table = [] {
         const QString open62 = errorLine(62, u"frmLayout.LayoutOpen"_s);
-        const QString pack6 = errorLine(6, u"frmLayout.PackRead"_s);
         const QString longName = u"AU1_"_s + QString(300, u'x') + u".lyt"_s;
         QList<Row> t;
         // --- layouts -----------------------------------------------------------------
@@ -210,23 +197,9 @@ const QList<Row> &rows()
                  },
                  [](Env &e) { return dropPack(e, u"AU_huge.pack"_s, 300, 200); }, kBase + u"; 14@300,200 a0 w0"_s, {},
                  {}, {kOutside}};
-        t << Row{"pack whose offsets overflow at the drop point",
-                 [](Env &e) { e.pack(u"AU_far.pack"_s, packOf(0, 0, {{14, 1000, 0, 0, 0}})); },
-                 [](Env &e) { return dropPack(e, u"AU_far.pack"_s, 32000, 100); }, kBase, {sorry(pack6)}, {pack6}};
-        t << Row{"pack whose box overflows at the drop point",
-                 [](Env &e) { e.pack(u"AU_wide.pack"_s, packOf(-32768, 0, {{14, 0, 0, 0, 0}})); },
-                 [](Env &e) { return dropPack(e, u"AU_wide.pack"_s, 20000, 100); }, kBase, {sorry(pack6)}, {pack6}};
-        t << Row{"an empty pack", [](Env &e) { e.pack(u"AU_empty.pack"_s, {}); },
-                 [](Env &e) { return dropPack(e, u"AU_empty.pack"_s, 300, 200); }, kBase,
-                 {sorry(errorLine(62, u"frmLayout.PackRead"_s))}, {errorLine(62, u"frmLayout.PackRead"_s)}};
         t << Row{"a folder named like a pack", [](Env &e) { QDir().mkpath(e.fx.app.file(u"packs/AU_dir.pack"_s)); },
                  [](Env &e) { return dropPack(e, u"AU_dir.pack"_s, 300, 200); }, kBase,
                  {sorry(u"packs/AU_dir.pack"_s + kNotFound)}, {u"packs/AU_dir.pack"_s + kNotFound}};
-        // --- Varno.cfg (start-up shows the error and stops; see Application) -----------
-        t << Row{"SavePercent abc", [](Env &) { WriteFile(ConfigPath(), "SavePercent abc\r\n"); },
-                 [](Env &) { return readOptions(); }, u"13: Type mismatch (SavePercent abc)"_s};
-        t << Row{"SavePercent 99999", [](Env &) { WriteFile(ConfigPath(), "SavePercent 99999\r\n"); },
-                 [](Env &) { return readOptions(); }, u"6: Overflow (SavePercent 99999)"_s};
         // --- language files ----------------------------------------------------------
         t << Row{"language file with bytes the code page does not define",
                  [](Env &e) {
@@ -241,13 +214,6 @@ const QList<Row> &rows()
                  },
                  [](Env &e) { return loadLanguage(e); }, u"Opt\uFFFD(ons|\uFFFD\uFFFD"_s};
         // --- pictures ----------------------------------------------------------------
-        t << Row{"a missing background", {},
-                 [](Env &e) { return loadBackground(e, e.fx.app.file(u"missing.png"_s)); }, u"no background 0x0"_s,
-                 {u"{app}backgrounds/AU1.png"_s + kNotFound}};
-        t << Row{"a background that is not a picture",
-                 [](Env &e) { WriteFile(e.fx.app.file(u"text.png"_s), "This is not a picture.\r\n"); },
-                 [](Env &e) { return loadBackground(e, e.fx.app.file(u"text.png"_s)); }, u"no background 0x0"_s,
-                 {sorry(errorLine(481, u"frmLayout.LayoutLoadBG"_s))}, {errorLine(481, u"frmLayout.LayoutLoadBG"_s)}};
         t << Row{"a background larger than memory allows",
                  [](Env &e) { WriteFile(e.fx.app.file(u"huge.png"_s), PngClaimingSize(65535, 65535)); },
                  [](Env &e) { return loadBackground(e, e.fx.app.file(u"huge.png"_s)); }, u"no background 0x0"_s,
@@ -261,16 +227,6 @@ const QList<Row> &rows()
                      return ObjectKindAt(20).Image.Handle() == placeholder.Handle() ? u"placeholder"_s : u"other"_s;
                  },
                  u"placeholder"_s};
-        t << Row{"export path in a missing folder", {},
-                 [](Env &e) {
-                     cBitmap picture;
-                     picture.CreateFromScan0(8, 8);
-                     cGDIP gdip;
-                     return gdip.SaveBitmapToFile(picture, e.fx.app.file(u"missing/view.png"_s), 90) ? u"written"_s
-                                                                                                     : u"not written"_s;
-                 },
-                 u"not written"_s, {sorry(errorLine(76, u"cGDIP.SaveBitmapToFile"_s))},
-                 {errorLine(76, u"cGDIP.SaveBitmapToFile"_s)}};
         return t;
     }();
     return table;
