@@ -68,7 +68,6 @@ private slots:
         QTest::addColumn<bool>("quality");
         QTest::newRow(".jpg") << "/p/a.jpg" << true;
         QTest::newRow(".JPG") << "/p/a.JPG" << false;
-        QTest::newRow(".png") << "/p/a.png" << false;
     }
     void boxes()
     {
