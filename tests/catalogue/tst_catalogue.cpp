@@ -1,6 +1,7 @@
 #include "app/Language.h"
 #include "app/Startup.h"
 #include "catalogue/ObjectKinds.h"
+#include "core/Runtime.h"
 #include "support/TestSupport.h"
 
 #include <QtTest>
@@ -167,6 +168,18 @@ private slots:
                 QVERIFY2(ObjectKinds()[k].HasImage, qPrintable(QString::number(k)));
         // Kinds sharing a picture get their own tinted copies.
         QVERIFY(ObjectKinds()[15].Image.Handle() != ObjectKinds()[19].Image.Handle());
+    }
+
+    // Nothing else reaches the catalogue with a kind past its end.
+    void outOfRangeKind()
+    {
+        int raised = 0;
+        try {
+            ObjectKindAt(61);
+        } catch (const rt::Error &e) {
+            raised = e.number();
+        }
+        QCOMPARE(raised, 9);
     }
 };
 
