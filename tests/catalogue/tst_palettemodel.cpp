@@ -99,12 +99,9 @@ private slots:
         QTest::addColumn<int>("panel");
         QTest::addColumn<QList<int16_t>>("kinds");
         QTest::newRow("general BL, with unique ones placed") << "BL3" << 0 << range16(0, 4);
-        QTest::newRow("chalk AU") << "AU2" << 1 << range16(5, 13);
         QTest::newRow("cones AU: cone1 and cone2 gone") << "AU1" << 2 << range16(14, 28);
         QTest::newRow("cones BL") << "BL3" << 2 << range16(14, 30);
-        QTest::newRow("tyres AU close up") << "AU3" << 3 << QList<int16_t>{31, 32, 33, 34, 37};
         QTest::newRow("tyres BL close up") << "BL3" << 3 << QList<int16_t>{31, 32, 35, 36};
-        QTest::newRow("objects AU") << "AU4" << 4 << range16(40, 53);
         QTest::newRow("objects BL") << "BL3" << 4 << QList<int16_t>{38, 39, 45, 46, 47, 49, 50, 51, 52, 53, 54};
         QTest::newRow("marshall, never kind 60") << "AU1" << 5 << range16(55, 59);
         QTest::newRow("packs hold no kinds") << "AU1" << 6 << QList<int16_t>{};

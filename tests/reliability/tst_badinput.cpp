@@ -101,12 +101,6 @@ struct Row {
     bool needsPermissions = false;
 };
 
-// The "Sorry :(" box of a logged error.
-QString sorry(const QString &line)
-{
-    return ErrorBoxText(line);
-}
-
 const QString kNotFound = u"\r\n\r\nNot found!?"_s;
 const QString kUnsupported = u"Unsupported layout. Currently only AU1, AU2, AU3, AU4 and BL3 are supported."_s;
 const QString kOutside = u"Object outside layout, cannot add"_s;
@@ -118,11 +112,6 @@ QByteArray cone()
     return lytRecord(0, -13224, 255, 0, 29, 128);
 }
 
-QByteArray packOf(int width, int height, QList<PackRecord> records)
-{
-    return PackBytes(int16_t(width), int16_t(height), records);
-}
-
 const QList<Row> &rows()
 {
     static const QList<Row> table = [] {
@@ -131,10 +120,10 @@ const QList<Row> &rows()
         QList<Row> t;
         // --- layouts -----------------------------------------------------------------
         t << Row{"truncated header", [](Env &e) { e.layout(u"AU1_short.lyt"_s, lytHeader(251, 1, 0).left(7)); },
-                 [](Env &e) { return open(e, u"AU1_short.lyt"_s); }, u"failed 0"_s, {sorry(open62)}, {open62}};
+                 [](Env &e) { return open(e, u"AU1_short.lyt"_s); }, u"failed 0"_s, {ErrorBoxText(open62)}, {open62}};
         t << Row{"count above the records present",
                  [](Env &e) { e.layout(u"AU1_count.lyt"_s, lytHeader(251, 3, 0) + cone()); },
-                 [](Env &e) { return open(e, u"AU1_count.lyt"_s); }, u"failed 1: "_s + kCone, {sorry(open62)}, {open62}};
+                 [](Env &e) { return open(e, u"AU1_count.lyt"_s); }, u"failed 1: "_s + kCone, {ErrorBoxText(open62)}, {open62}};
         t << Row{"count low byte of 128 or more",
                  [](Env &e) { e.layout(u"AU1_200.lyt"_s, lytHeader(251, 200, 0) + cone().repeated(200)); },
                  [](Env &e) { return open(e, u"AU1_200.lyt"_s); }, u"opened 200"_s, {}, {}};
@@ -145,7 +134,7 @@ const QList<Row> &rows()
                      e.layout(u"AU1_neg.lyt"_s, bytes);
                  },
                  [](Env &e) { return open(e, u"AU1_neg.lyt"_s); }, u"failed 0"_s,
-                 {sorry(errorLine(6, u"frmLayout.LayoutOpen"_s))}, {errorLine(6, u"frmLayout.LayoutOpen"_s)}};
+                 {ErrorBoxText(errorLine(6, u"frmLayout.LayoutOpen"_s))}, {errorLine(6, u"frmLayout.LayoutOpen"_s)}};
         t << Row{"a folder named like a layout", [](Env &e) { QDir().mkpath(e.fx.layoutPath(u"AU1_dir.lyt"_s)); },
                  [](Env &e) { return open(e, u"AU1_dir.lyt"_s); }, u"failed 0"_s,
                  {u"{app}layouts/AU1_dir.lyt"_s + kNotFound}, {}};
@@ -161,17 +150,17 @@ const QList<Row> &rows()
                      OrdinaryUser user;
                      return open(e, u"AU1_locked.lyt"_s);
                  },
-                 u"failed 0"_s, {sorry(errorLine(75, u"frmLayout.LayoutOpen"_s))},
+                 u"failed 0"_s, {ErrorBoxText(errorLine(75, u"frmLayout.LayoutOpen"_s))},
                  {errorLine(75, u"frmLayout.LayoutOpen"_s)}, {}, true};
         t << Row{"an empty file", [](Env &e) { e.layout(u"AU1_empty.lyt"_s, {}); },
-                 [](Env &e) { return open(e, u"AU1_empty.lyt"_s); }, u"failed 0"_s, {sorry(open62)}, {open62}};
+                 [](Env &e) { return open(e, u"AU1_empty.lyt"_s); }, u"failed 0"_s, {ErrorBoxText(open62)}, {open62}};
         t << Row{"unknown type without objects", [](Env &e) { e.layout(u"XY2_none.lyt"_s, lytHeader(251, 0, 0)); },
-                 [](Env &e) { return open(e, u"XY2_none.lyt"_s); }, u"opened 0"_s, {sorry(u"XY2\r\n"_s + kUnsupported)},
+                 [](Env &e) { return open(e, u"XY2_none.lyt"_s); }, u"opened 0"_s, {ErrorBoxText(u"XY2\r\n"_s + kUnsupported)},
                  {u"XY2\r\n"_s + kUnsupported}};
         t << Row{"unknown type with objects", [](Env &e) { e.layout(u"XY2_one.lyt"_s, lytHeader(251, 1, 0) + cone()); },
                  [](Env &e) { return open(e, u"XY2_one.lyt"_s); }, u"failed 0"_s,
-                 {sorry(u"XY2\r\n"_s + kUnsupported),
-                  sorry(u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s)},
+                 {ErrorBoxText(u"XY2\r\n"_s + kUnsupported),
+                  ErrorBoxText(u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s)},
                  {u"XY2\r\n"_s + kUnsupported, u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s}};
         t << Row{"a layout path longer than the platform allows", {},
                  [longName](Env &e) { return open(e, longName); }, u"failed 0"_s,
@@ -183,23 +172,23 @@ const QList<Row> &rows()
                      const bool saved = e.base->LayoutSave(false);
                      return (saved ? u"saved "_s : u"not saved "_s) + (e.base->Edited() ? u"edited"_s : u"clean"_s);
                  },
-                 u"not saved edited"_s, {sorry(errorLine(57, u"frmLayout.LayoutSave"_s))},
+                 u"not saved edited"_s, {ErrorBoxText(errorLine(57, u"frmLayout.LayoutSave"_s))},
                  {errorLine(57, u"frmLayout.LayoutSave"_s)}};
         // --- packs -------------------------------------------------------------------
-        t << Row{"pack with a zero box", [](Env &e) { e.pack(u"AU_zero.pack"_s, packOf(0, 0, {{14, 0, 0, 90, 0}})); },
+        t << Row{"pack with a zero box", [](Env &e) { e.pack(u"AU_zero.pack"_s, PackBytes(0, 0, {{14, 0, 0, 90, 0}})); },
                  [](Env &e) { return dropPack(e, u"AU_zero.pack"_s, 300, 200); }, kBase + u"; 14@300,200 a90 w0"_s};
         t << Row{"pack with a negative box",
-                 [](Env &e) { e.pack(u"AU_neg.pack"_s, packOf(-40, -20, {{14, 0, 0, 0, 0}})); },
+                 [](Env &e) { e.pack(u"AU_neg.pack"_s, PackBytes(-40, -20, {{14, 0, 0, 0, 0}})); },
                  [](Env &e) { return dropPack(e, u"AU_neg.pack"_s, 300, 200); }, kBase + u"; 14@320,210 a0 w0"_s};
         t << Row{"pack with a huge box",
                  [](Env &e) {
-                     e.pack(u"AU_huge.pack"_s, packOf(32767, 32767, {{14, 0, 0, 0, 0}, {14, 16383, 16383, 0, 0}}));
+                     e.pack(u"AU_huge.pack"_s, PackBytes(32767, 32767, {{14, 0, 0, 0, 0}, {14, 16383, 16383, 0, 0}}));
                  },
                  [](Env &e) { return dropPack(e, u"AU_huge.pack"_s, 300, 200); }, kBase + u"; 14@300,200 a0 w0"_s, {},
                  {}, {kOutside}};
         t << Row{"a folder named like a pack", [](Env &e) { QDir().mkpath(e.fx.app.file(u"packs/AU_dir.pack"_s)); },
                  [](Env &e) { return dropPack(e, u"AU_dir.pack"_s, 300, 200); }, kBase,
-                 {sorry(u"packs/AU_dir.pack"_s + kNotFound)}, {u"packs/AU_dir.pack"_s + kNotFound}};
+                 {ErrorBoxText(u"packs/AU_dir.pack"_s + kNotFound)}, {u"packs/AU_dir.pack"_s + kNotFound}};
         // --- language files ----------------------------------------------------------
         t << Row{"language file with bytes the code page does not define",
                  [](Env &e) {
@@ -217,7 +206,7 @@ const QList<Row> &rows()
         t << Row{"a background larger than memory allows",
                  [](Env &e) { WriteFile(e.fx.app.file(u"huge.png"_s), PngClaimingSize(65535, 65535)); },
                  [](Env &e) { return loadBackground(e, e.fx.app.file(u"huge.png"_s)); }, u"no background 0x0"_s,
-                 {sorry(errorLine(481, u"frmLayout.LayoutLoadBG"_s))}, {errorLine(481, u"frmLayout.LayoutLoadBG"_s)}};
+                 {ErrorBoxText(errorLine(481, u"frmLayout.LayoutLoadBG"_s))}, {errorLine(481, u"frmLayout.LayoutLoadBG"_s)}};
         t << Row{"an object picture larger than memory allows",
                  [](Env &e) { WriteFile(e.fx.app.file(u"objects/huge.png"_s), PngClaimingSize(40000, 40000)); },
                  [](Env &) {
