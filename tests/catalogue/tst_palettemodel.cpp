@@ -120,35 +120,30 @@ private slots:
     void hitTesting_data()
     {
         QTest::addColumn<QString>("type");
-        QTest::addColumn<Uniques>("uniques");
         QTest::addColumn<int>("panel");
         QTest::addColumn<int>("y");
         QTest::addColumn<int>("scroll");
         QTest::addColumn<int>("packs");
         QTest::addColumn<int>("item");
-        const Uniques startAndCp2{true, false, true, false, false};
-        QTest::newRow("placed start is never hot") << "AU1" << startAndCp2 << 0 << 10 << 0 << 0 << -1;
-        QTest::newRow("finish still free") << "AU1" << startAndCp2 << 0 << 52 + 5 << 0 << 0 << 1;
-        QTest::newRow("rows counted without the top margin") << "AU1" << None << 0 << 51 << 0 << 0 << 0;
-        QTest::newRow("next pitch") << "AU1" << None << 0 << 52 << 0 << 0 << 1;
-        QTest::newRow("below the last row") << "AU1" << None << 0 << 5 * 52 + 1 << 0 << 0 << -1;
-        QTest::newRow("scroll and pointer add up") << "AU1" << None << 2 << 30 << 30 << 0 << 15;
-        QTest::newRow("BL objects: posts after banners") << "BL3" << None << 4 << 2 * 52 + 1 << 0 << 0 << 45;
-        QTest::newRow("just above the list is row 0") << "AU1" << None << 0 << -20 << 0 << 0 << 0;
-        QTest::newRow("far above the list") << "AU1" << None << 0 << -60 << 0 << 0 << -1;
-        QTest::newRow("second pack") << "AU1" << None << 6 << 60 << 0 << 2 << 2;
-        QTest::newRow("past the packs") << "AU1" << None << 6 << 60 << 0 << 1 << -1;
+        QTest::newRow("rows counted without the top margin") << "AU1" << 0 << 51 << 0 << 0 << 0;
+        QTest::newRow("next pitch") << "AU1" << 0 << 52 << 0 << 0 << 1;
+        QTest::newRow("below the last row") << "AU1" << 0 << 5 * 52 + 1 << 0 << 0 << -1;
+        QTest::newRow("scroll and pointer add up") << "AU1" << 2 << 30 << 30 << 0 << 15;
+        QTest::newRow("BL objects: posts after banners") << "BL3" << 4 << 2 * 52 + 1 << 0 << 0 << 45;
+        QTest::newRow("just above the list is row 0") << "AU1" << 0 << -20 << 0 << 0 << 0;
+        QTest::newRow("far above the list") << "AU1" << 0 << -60 << 0 << 0 << -1;
+        QTest::newRow("second pack") << "AU1" << 6 << 60 << 0 << 2 << 2;
+        QTest::newRow("past the packs") << "AU1" << 6 << 60 << 0 << 1 << -1;
     }
     void hitTesting()
     {
         QFETCH(QString, type);
-        QFETCH(Uniques, uniques);
         QFETCH(int, panel);
         QFETCH(int, y);
         QFETCH(int, scroll);
         QFETCH(int, packs);
         QFETCH(int, item);
-        activate(type, uniques);
+        activate(type);
         QCOMPARE(int(PaletteHitItem(panel, y, scroll, packs)), item);
     }
 
