@@ -122,7 +122,7 @@ int main(int argc, char *argv[])
 
             // The encoder alone: the same pixels, already drawn, to a plain file.
             QImage picture(w, h, QImage::Format_ARGB32_Premultiplied);
-            RenderLayoutPicture(*doc, picture);
+            RenderLayoutPicture(ExportScene(*doc), picture);
             double encoderTime = 1e9;
             for (int run = 0; run < 3; ++run) {
                 QFile raw(dir.filePath(QStringLiteral("raw.") + QLatin1String(type)));

@@ -36,15 +36,34 @@ QString trimBlanks(const QString &s)
     return s.mid(b, e - b);
 }
 
-// Banner of the configuration file; no line starts with a letter, so none is ever read as a key.
+// The lines of a text file. Files edited on any system are accepted, so a line ends at
+// CR LF, at LF or at a lone CR (a file saved with CR endings is not one long line).
+QList<QStringView> textLines(QStringView text)
+{
+    QList<QStringView> lines;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] != u'\r' && text[i] != u'\n')
+            continue;
+        lines.append(text.sliced(start, i - start));
+        if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n')
+            ++i;
+        start = i + 1;
+    }
+    lines.append(text.sliced(start));
+    return lines;
+}
+
+// Banner of the configuration file. It is drawn with "|", "_", "/" and "\" only, so no
+// line starts with a letter and none is ever read as a key.
 QStringList bannerLines()
 {
     return {
-        u" __      __"_s,
-        u" \\ \\    / /_ _  _ __  _ __   ___"_s,
-        u"  \\ \\  / / _` || '__|| '_ \\ / _ \\"_s,
-        u"   \\ \\/ / (_| || |   | | | | (_) |"_s,
-        u"    \\  / \\__,_||_|   |_| |_|\\___/ "_s + Lang(50),
+        u"   __      __"_s,
+        u"   \\ \\    / /  ____   _ __   _ __     ___"_s,
+        u"    \\ \\  / /  / _  | |  __| |  _ \\   / _ \\"_s,
+        u"     \\ \\/ /  | |_| | | |    | | | | | |_| |"_s,
+        u"      \\  /    \\__/_| |_|    |_| |_|  \\___/ "_s + Lang(50),
         u"       \\/"_s,
     };
 }
@@ -71,9 +90,7 @@ QString ReadKey(const QString &fileName, const QString &key, const QString &defa
         const QString text = DecodeAnsi(file.readAll());
         if (file.error() != QFileDevice::NoError)
             rt::raise(rt::DeviceIOError);
-        for (QStringView line : QStringView(text).split(u'\n')) {
-            if (line.endsWith(u'\r'))
-                line.chop(1);
+        for (QStringView line : textLines(text)) {
             if (line.size() < wanted.size() || line.first(wanted.size()).toString().toLower() != wanted)
                 continue;
             const QString value = trimBlanks(line.sliced(wanted.size()).toString());

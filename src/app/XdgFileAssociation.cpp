@@ -265,11 +265,13 @@ void XdgFileAssociation::create()
               "  <mime-type type=\""_s
                   + type + u"\">\n    <comment>"_s + xmlEscaped(Lang(108))
                   + u"</comment>\n    <glob pattern=\"*.lyt\"/>\n  </mime-type>\n</mime-info>\n"_s);
+    // Same name as the packaged entry, which this one hides, so it carries its icon too.
     writeText(desktopEntryPath(), u"[Desktop Entry]\n"
                                   "Type=Application\n"
                                   "Name=Varno\n"
                                   "Comment="_s + Lang(109) + u"\nExec="_s + execLine()
-                                      + u"\nMimeType="_s + type + u";\nCategories=Graphics;\nTerminal=false\n"_s);
+                                      + u"\nIcon=varno\nMimeType="_s + type
+                                      + u";\nCategories=Graphics;\nTerminal=false\n"_s);
     const QString list = userMimeAppsPath();
     QStringList lines = readLines(list);
     lines = withKey(lines, kDefaults, type, QLatin1String(DesktopId) + u';');

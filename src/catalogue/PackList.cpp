@@ -28,18 +28,20 @@ bool PackList::Refresh()
     Clear();
     return guarded(u"Objectbar.RefreshPacks"_s, [this] {
         const QString folder = AppPath() + u"packs"_s;
-        const QStringList names = PackFileNames(folder, PackSitePrefix());
-        for (const QString &name : names) {
-            const PackData pack = ReadPackFile(folder + QDir::separator() + name);
+        // Every pack is listed before any is read, so a broken pack ends the previews
+        // but not the list: the packs after it keep their rows and can still be dropped
+        // (the drop reads the file again and reports what is wrong with it).
+        for (const QString &name : PackFileNames(folder, PackSitePrefix()))
+            m_entries.append(PackEntry{name, {}, {}});
+        for (qsizetype n = 1; n < m_entries.size(); ++n) {
+            PackEntry &entry = m_entries[n];
+            const PackData pack = ReadPackFile(folder + QDir::separator() + entry.FileName);
             // A pack that ends before its count is as broken for the preview as it is
             // for placing it.
             if (!pack.complete())
                 rt::raise(rt::InputPastEndOfFile);
-            PackEntry entry;
-            entry.FileName = name;
             entry.Preview = PackPreview(pack);
-            entry.Caption = PackCaption(name);
-            m_entries.append(std::move(entry));
+            entry.Caption = PackCaption(entry.FileName);
         }
     });
 }

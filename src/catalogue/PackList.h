@@ -27,9 +27,10 @@ public:
     // Entry 0 is always empty; error 9 outside 0..Count().
     const PackEntry &Entry(int number) const;
 
-    // Rebuilds the list for the active site from AppPath() + "packs/". A pack that cannot
-    // be read is reported " in Objectbar.RefreshPacks" and ends the refresh: the packs
-    // before it stay listed. Returns false when that happened.
+    // Rebuilds the list for the active site from AppPath() + "packs/": every pack file is
+    // listed first, then read for its preview and caption. A pack that cannot be read is
+    // reported " in Objectbar.RefreshPacks" and ends the reading: every pack stays listed,
+    // but it and the packs after it have no preview or caption. Returns false then.
     bool Refresh();
 
 private:

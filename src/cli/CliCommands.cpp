@@ -4,6 +4,7 @@
 #include "app/Language.h"
 #include "catalogue/ObjectKinds.h"
 #include "cli/CliDialogs.h"
+#include "cli/CliLayout.h"
 #include "cli/Json.h"
 #include "core/LayoutDocument.h"
 
@@ -37,23 +38,6 @@ QString kindCaption(int id)
     const QString &caption = ObjectKinds()[size_t(id)].Caption;
     return caption.isEmpty() ? QString::fromLatin1(KindDefinitions()[size_t(id)].imageName) : caption;
 }
-
-// A document opened exactly as the editor opens one: the type from the name, the
-// background the options name for it, then the file; refusals are collected.
-struct OpenedLayout {
-    LayoutDocument doc;
-    QStringList messages;
-    bool opened = false;
-
-    explicit OpenedLayout(const QString &file)
-    {
-        QObject::connect(&doc, &LayoutDocument::Message,
-                         [this](bool, int16_t, int16_t, const QString &text) { messages << text; });
-        doc.setFileName(QFileInfo(file).absoluteFilePath());
-        doc.LayoutLoadBG();
-        opened = doc.LayoutOpen();
-    }
-};
 
 QString layoutJson(const OpenedLayout &l)
 {
@@ -142,14 +126,21 @@ QString usage()
            "  varno-cli --help | --version\n"
            "\n"
            "The layout type comes from the first three letters of the file name (AU1, AU2,\n"
-           "AU3, AU4, BL3). Varno.cfg and Varno.log beside varno-cli are used as the editor\n"
-           "uses its own. Exit status: 0 success, 1 failure or a logged error, 2 usage error.\n"_s;
+           "AU3, AU4, BL3). Varno.cfg and Varno.log in the application folder (beside\n"
+           "varno-cli; ~/.local/share/varno for an installed copy) are used as the editor\n"
+           "uses its own. Exit status: 0 success, 1 failure or a logged error (also a layout\n"
+           "that could not be read whole: broken, of an unknown type, or whose background\n"
+           "picture could not be loaded, so that its objects would be lost), 2 usage error.\n"_s;
 }
 
 int info(const QString &file, bool json)
 {
     prepare();
     OpenedLayout l(file);
+    if (l.opened && l.backgroundMissing()) {
+        err(u"varno-cli: "_s + l.problem(file) + u'.');
+        return Failure;
+    }
     out(json ? layoutJson(l) : layoutText(file, l));
     return l.opened && LoggedErrors().isEmpty() ? Success : Failure;
 }
@@ -158,8 +149,8 @@ int resave(const QString &in, const QString &outFile)
 {
     prepare();
     OpenedLayout l(in);
-    if (!l.opened) {
-        err(u"varno-cli: %1 could not be opened; nothing was written."_s.arg(in));
+    if (const QString problem = l.problem(in); !problem.isEmpty()) {
+        err(u"varno-cli: "_s + problem + u"; nothing was written."_s);
         return Failure;
     }
     // Saved through the same path as the editor's Save As, with the name given here.

@@ -1,15 +1,19 @@
 // varno-cli render: a layout saved as a picture exactly as the editor's Save to image
-// writes it, with the size dialog's proportion rules and the options' defaults.
+// writes it, with the options' defaults; a percent follows the size dialog's rules, a
+// width or a height is met exactly.
 
 #include "app/ErrorLog.h"
 #include "app/Startup.h"
 #include "catalogue/ObjectKinds.h"
 #include "cli/CliCommands.h"
+#include "cli/CliLayout.h"
 #include "core/LayoutDocument.h"
+#include "core/Runtime.h"
 #include "view/LayoutImageExport.h"
 #include "view/SaveImageRules.h"
 
 #include <QFileInfo>
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 
@@ -116,16 +120,11 @@ int render(const QStringList &args)
 
     ClearLoggedErrors();
     FillCatalogue();
-    LayoutDocument doc;
-    doc.setFileName(QFileInfo(in).absoluteFilePath());
-    doc.LayoutLoadBG();
-    if (!doc.LayoutOpen()) {
-        say(stderr, u"varno-cli: %1 could not be opened; nothing was written."_s.arg(in));
-        return Failure;
-    }
+    const OpenedLayout layout(in);
+    const LayoutDocument &doc = layout.doc;
     const int baseWidth = doc.Background().Width(), baseHeight = doc.Background().Height();
-    if (baseWidth <= 0 || baseHeight <= 0) {
-        say(stderr, u"varno-cli: the background of %1 could not be loaded; nothing was written."_s.arg(in));
+    if (const QString problem = layout.problem(in); !problem.isEmpty()) {
+        say(stderr, u"varno-cli: "_s + problem + u"; nothing was written."_s);
         return Failure;
     }
 
@@ -134,10 +133,20 @@ int render(const QStringList &args)
     sizes.open(baseWidth, baseHeight, options().SavePercent, options().SaveQuality);
     if (percent)
         sizes.setPercent(*percent);
-    if (width)
-        sizes.setWidth(*width);
-    if (height)
-        sizes.setHeight(*height);
+    // A width or height asked for on the command line is met exactly, the other side in
+    // proportion; the dialog's boxes would pass it through the percent and drift.
+    int pictureWidth = sizes.width(), pictureHeight = sizes.height();
+    auto proportional = [](int side, int base, int otherBase, int otherMax) {
+        return std::clamp(int(rt::roundHalfEven(double(side) * otherBase / base)), 1, otherMax);
+    };
+    if (width) {
+        pictureWidth = std::min(*width, sizes.maxWidth());
+        pictureHeight = proportional(pictureWidth, baseWidth, baseHeight, sizes.maxHeight());
+    }
+    if (height) {
+        pictureHeight = std::min(*height, sizes.maxHeight());
+        pictureWidth = proportional(pictureHeight, baseHeight, baseWidth, sizes.maxWidth());
+    }
     if (quality)
         sizes.setQuality(*quality);
     auto limitNote = [&](const std::optional<int> &asked, const char *name, int got) {
@@ -147,22 +156,22 @@ int render(const QStringList &args)
                             QLatin1String(name)).arg(*asked).arg(got));
     };
     limitNote(percent, "percent", sizes.percent());
-    limitNote(width, "width", sizes.width());
-    limitNote(height, "height", sizes.height());
+    limitNote(width, "width", pictureWidth);
+    limitNote(height, "height", pictureHeight);
 
     const QString target = QFileInfo(out).absoluteFilePath();
     ImageExportResult result;
     {
         TerminalProgress progress;
-        result = RenderLayoutImage(doc, target, sizes.width(), sizes.height(), sizes.quality(),
+        result = RenderLayoutImage(ExportScene(doc), target, pictureWidth, pictureHeight, sizes.quality(),
                                    [&](double f) { return progress(f); });
     }
-    ReportImageExport(result, sizes.width(), sizes.height());
+    ReportImageExport(result, pictureWidth, pictureHeight);
     if (result.status != ImageExportResult::Written) {
         say(stderr, u"varno-cli: %1 was not written."_s.arg(out));
         return Failure;
     }
-    say(stdout, u"%1: %2 x %3 pixels"_s.arg(out).arg(sizes.width()).arg(sizes.height()));
+    say(stdout, u"%1: %2 x %3 pixels"_s.arg(out).arg(pictureWidth).arg(pictureHeight));
     return Success;
 }
 

@@ -1,5 +1,6 @@
 // varno-cli: Varno's layout and pack tools on the command line, without a window.
 
+#include "app/AppFolder.h"
 #include "app/Config.h"
 #include "app/Startup.h"
 #include "cli/CliCommands.h"
@@ -16,7 +17,7 @@ int main(int argc, char *argv[])
     // Pictures are only drawn into memory, so no display and no platform plugin is needed.
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("varno-cli"));
-    SetAppPath(QCoreApplication::applicationDirPath());
+    SetAppPath(ApplicationFolder(QCoreApplication::applicationDirPath()));
     setDialogs(&CliDialogs::instance());
 
     cGDIP gdip;

@@ -49,6 +49,7 @@ QString frmAbout::CheatSheet()
         {u"Ctrl+Z"_s, u"Zoom tool"_s},
         {u"Ctrl+L"_s, Lang(41)},
         {u"Ctrl+M"_s, Lang(40)},
+        {u"Esc"_s, u"Cancel a drag, then clear the selection, then leave the tool"_s},
         {u"+  /  \u2212"_s, u"Zoom in / out"_s},
         {u",  /  ."_s, u"Line spacing (object line)"_s},
         {u"Alt+Backspace"_s, Lang(34)},

@@ -206,7 +206,8 @@ bool LayoutDocument::LayoutLoadBG()
 
         const lyt::TypeInfo *type = lyt::typeInfo(m_layoutType);
         if (!type) {
-            dialogs().message(m_layoutType + QStringLiteral("\r\n") + Lang(164), QString(), MsgIcon::Exclamation);
+            // Logged as well as shown: the layout stays open, without bounds or start marker.
+            LogError(m_layoutType + QStringLiteral("\r\n") + Lang(164), 1);
             return;
         }
         const QString code = QLatin1String(type->code);
@@ -311,7 +312,6 @@ DocumentState LayoutDocument::snapshot() const
     s.hasCheckpoint3 = m_hasCheckpoint3;
     s.hasFinish = m_hasFinish;
     s.laps = m_laps;
-    s.edited = m_edited;
     return s;
 }
 
@@ -330,6 +330,5 @@ void LayoutDocument::restore(const DocumentState &s)
     m_hasCheckpoint3 = s.hasCheckpoint3;
     m_hasFinish = s.hasFinish;
     m_laps = s.laps;
-    m_edited = s.edited;
     SelectionUpdate(false);
 }

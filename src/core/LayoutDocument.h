@@ -29,7 +29,6 @@ struct DocumentState {
     bool hasStart = false, hasCheckpoint1 = false, hasCheckpoint2 = false, hasCheckpoint3 = false,
          hasFinish = false;
     uint8_t laps = 0;
-    bool edited = false;
 };
 
 // The smallest and largest X and Y over the selected objects.
@@ -55,6 +54,8 @@ struct PackData {
 // Reads a pack without placing it. Error 53 for a missing file, 62 when the 6-byte
 // header is not all there. A negative count reads no records.
 PackData ReadPackFile(const QString &path);
+// The question Save As asks when the chosen file title does not begin with the type.
+QString WrongTypeNameText(const QString &title, const QString &type);
 // The bytes of a pack file.
 QByteArray PackBytes(int16_t width, int16_t height, const QList<PackRecord> &records);
 

@@ -26,6 +26,15 @@ int lastSeparator(const QString &path)
 }
 } // namespace
 
+QString WrongTypeNameText(const QString &title, const QString &type)
+{
+    return QStringLiteral("\"%1\" does not begin with %2, the type of this layout. Varno takes a layout's type "
+                          "from the first three letters of its file name, and the simulator lists a layout only "
+                          "under the area its name begins with.\r\n\r\nChoose another name? (No saves it "
+                          "under this name all the same.)")
+        .arg(title, type);
+}
+
 bool LayoutDocument::LayoutOpen()
 {
     if (!QFileInfo(m_fileName).isFile()) {
@@ -117,9 +126,23 @@ bool LayoutDocument::LayoutSave(bool saveAs)
             request.defaultExt = QStringLiteral("lyt");
             request.initialDir = options().SaveFolder;
             request.fileName = m_layoutName;
-            const QString chosen = dialogs().saveFile(request);
-            if (chosen.isEmpty())
-                return;
+            QString chosen;
+            while (true) {
+                chosen = dialogs().saveFile(request);
+                if (chosen.isEmpty())
+                    return;
+                // The name decides the type the file opens as, and the simulator lists a
+                // layout only under the area its name begins with: a name without the
+                // type would make the saved work look lost.
+                const QString title = fileTitle(chosen);
+                if (!lyt::typeInfo(m_layoutType) || title.left(3).toUpper() == m_layoutType
+                    || dialogs().message(WrongTypeNameText(title, m_layoutType), Lang(32), MsgIcon::Exclamation,
+                                         MsgButtons::YesNo)
+                           != MsgResult::Yes)
+                    break;
+                request.initialDir = chosen.left(lastSeparator(chosen));
+                request.fileName = m_layoutType + QLatin1Char('_') + title;
+            }
             if (options().RememberSaveFolder) {
                 // The count is the file name's length less one, not the folder's length.
                 // Users' Varno.cfg files hold folders written this way, so it stays.

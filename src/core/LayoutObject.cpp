@@ -41,10 +41,17 @@ QRect opaqueRect(const QImage &image)
     return right < 0 ? QRect() : QRect(QPoint(left, top), QPoint(right, bottom));
 }
 
-// The picture stretched to size x size exactly as drawing it stretched would give
-// (bilinear sampling, not the averaging of QImage::scaled, which differs for tiny sizes).
-QImage scaledLikeDrawn(const QImage &source, int size, bool smooth)
+// The picture as it is drawn into a size x size square. Far smaller than its picture,
+// an object is averaged over the area each screen pixel covers: sampling reads only a
+// few picture pixels per screen pixel, and a finish line, a 5-pixel strip across a
+// square of hundreds, showed or vanished depending on where the samples fell. Closer to
+// its own size it is stretched as drawing it would be (bilinear, or nearest when the
+// surface asks for that), since there every picture pixel is still sampled.
+QImage scaledForDrawing(const QImage &source, int size, bool smooth)
 {
+    if (smooth && size * 2 < source.width())
+        return source.scaled(size, size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+            .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     QImage out(size, size, QImage::Format_ARGB32_Premultiplied);
     if (out.isNull())
         return out;
@@ -110,30 +117,48 @@ void varnoObject::setImage(cBitmap &&image)
     m_sprite = QImage();
 }
 
+int varnoObject::drawnSize(float zoom) const
+{
+    if (zoom <= 0)
+        return 1;
+    return std::max(
+        1, static_cast<int>(rt::toInt32(static_cast<double>(static_cast<float>(m_image.Width()) / zoom))));
+}
+
+QRect varnoObject::DrawnRect(int x, int y, float zoom) const
+{
+    if (m_image.isNull())
+        return QRect();
+    const int size = drawnSize(zoom);
+    const QPoint corner(x - size / 2, y - size / 2);
+    if (!m_sprite.isNull() && m_spriteSize == size)
+        return m_spriteOpaque.translated(corner);
+    return QRect(corner, QSize(size, size));
+}
+
 void varnoObject::drawPicture(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes)
 {
     if (m_image.isNull())
         return;
-    const int width = m_image.Width();
-    int size = 1;
-    if (zoom > 0)
-        size = std::max(1, static_cast<int>(rt::toInt32(static_cast<double>(static_cast<float>(width) / zoom))));
+    const int size = drawnSize(zoom);
     const int left = rt::toInt32(static_cast<long long>(x) - size / 2);
     const int top = rt::toInt32(static_cast<long long>(y) - size / 2);
-    if (attributes && !attributes->isIdentity() && !m_selected) {
-        graphics.DrawImageRectRectI(m_image, left, top, size, size, 0, 0, width, width, attributes);
-        return;
-    }
     // Repaints draw every object at the same size until the zoom changes, so the
-    // picture is scaled once and then only copied.
+    // picture is tinted and scaled once and then only copied. A selected object is
+    // highlighted whatever else was asked for.
     // Only the part that is not transparent is copied: turned pictures sit in a
     // padded square, and a line is a thin strip across a large one.
+    const ColorMatrix *tint = m_selected                                ? &highlightAttributes()
+                              : attributes && !attributes->isIdentity() ? attributes
+                                                                        : nullptr;
     const bool smooth = graphics.Handle() && graphics.Handle()->testRenderHint(QPainter::SmoothPixmapTransform);
-    if (m_sprite.isNull() || m_spriteSize != size || m_spriteSelected != m_selected || m_spriteSmooth != smooth) {
-        const QImage &source = m_selected ? highlightedImage() : m_image.Handle();
-        m_sprite = size == width ? source : scaledLikeDrawn(source, size, smooth);
+    if (m_sprite.isNull() || m_spriteSize != size || m_spriteTint != tint || m_spriteSmooth != smooth) {
+        const QImage source = !tint        ? m_image.Handle()
+                              : m_selected ? highlightedImage()
+                                           : tint->applied(m_image.Handle());
+        m_sprite = size == source.width() ? source : scaledForDrawing(source, size, smooth);
         m_spriteSize = size;
-        m_spriteSelected = m_selected;
+        m_spriteTint = tint;
         m_spriteSmooth = smooth;
         m_spriteOpaque = opaqueRect(m_sprite);
     }
@@ -276,6 +301,14 @@ void mrshObject::Draw(int x, int y, cGraphics &graphics, float zoom, const Color
     graphics.DrawEllipseI(colour, static_cast<float>(penWidth), left, top, edge, edge);
     if (m_id >= Kind::RestrictedMarshall && m_id <= Kind::RestrictedPointRight)
         drawPicture(x, y, graphics, zoom, attributes);
+}
+
+QRect mrshObject::DrawnRect(int x, int y, float zoom) const
+{
+    const int diameter =
+        zoom > 0 ? rt::toInt32(static_cast<double>(static_cast<float>(ImageSize()) / zoom)) : 0;
+    const QRect circle(x - diameter / 2, y - diameter / 2, diameter, diameter);
+    return circle | varnoObject::DrawnRect(x, y, zoom);
 }
 
 std::unique_ptr<varnoObject> mrshObject::clone() const

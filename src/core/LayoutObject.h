@@ -41,8 +41,15 @@ public:
     // Errors are logged " in <class>.varnoObject_Update".
     virtual void Update(int16_t angle, uint8_t width) = 0;
     // Draws the object centred on (x, y) in view pixels; zoom is layout units per
-    // pixel (larger is smaller). A selected object is drawn highlighted.
+    // pixel (larger is smaller). A selected object is drawn highlighted. The tinted,
+    // scaled picture is kept for the next draw, matched by the attributes' address, so
+    // pass long-lived attributes (the program-wide ones).
     virtual void Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) = 0;
+
+    // Where the object's picture lands when drawn centred on (x, y) at zoom: its visible
+    // part when it was last drawn at that size, else its whole square. Empty without a
+    // picture.
+    virtual QRect DrawnRect(int x, int y, float zoom) const;
 
     // The rotated picture (empty for kinds without one).
     const cBitmap &image() const { return m_image; }
@@ -60,7 +67,9 @@ public:
     static QString NewKey();
 
 protected:
-    // Draws the picture into the square of edge round(width / zoom), at least 1.
+    // The edge of the square the picture is drawn into: round(width / zoom), at least 1.
+    int drawnSize(float zoom) const;
+    // Draws the picture into that square, centred on (x, y).
     void drawPicture(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes);
     void setImage(cBitmap &&image);
 
@@ -73,12 +82,12 @@ protected:
     int16_t m_angle = 0;
     cBitmap m_image;
     mutable QImage m_highlighted;
-    // The picture as last drawn, scaled to its size on screen.
-    mutable QImage m_sprite;
-    mutable int m_spriteSize = -1;
-    mutable bool m_spriteSelected = false;
-    mutable bool m_spriteSmooth = true;
-    mutable QRect m_spriteOpaque;
+    // The picture as last drawn, tinted and scaled to its size on screen.
+    QImage m_sprite;
+    int m_spriteSize = -1;
+    const ColorMatrix *m_spriteTint = nullptr;
+    bool m_spriteSmooth = true;
+    QRect m_spriteOpaque;
 };
 
 class nrmlObject : public varnoObject {
@@ -114,6 +123,7 @@ public:
     uint8_t RouteIndex() const override; // only route checkers have one
     uint8_t Width() const override { return m_width; }
     int16_t ImageSize() const override; // Width x 23
+    QRect DrawnRect(int x, int y, float zoom) const override; // the circle and any picture
     void Update(int16_t angle, uint8_t width) override;
     void Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) override;
     std::unique_ptr<varnoObject> clone() const override;

@@ -61,18 +61,3 @@ void ObjectCollection::Clear()
     m_items.clear();
     m_index.clear();
 }
-
-void ObjectCollection::MoveTo(const QString &key, int index)
-{
-    const int from = IndexOf(key);
-    if (from < 0)
-        rt::raise(rt::InvalidCall);
-    const int to = std::clamp(index, 0, Count() - 1);
-    if (from == to)
-        return;
-    auto entry = std::move(m_items[size_t(from)]);
-    m_items.erase(m_items.begin() + from);
-    m_items.insert(m_items.begin() + to, std::move(entry));
-    for (int i = std::min(from, to); i <= std::max(from, to); ++i)
-        m_index[m_items[size_t(i)].first] = i;
-}

@@ -37,8 +37,6 @@ public:
     // Removes and hands back the object; error 5 when there is none.
     std::unique_ptr<varnoObject> Remove(const QString &key);
     void Clear();
-    // Moves an entry to another position in the order (clamped to the ends).
-    void MoveTo(const QString &key, int index);
 
     class const_iterator {
     public:

@@ -6,6 +6,12 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <cstdlib>
+#include <unistd.h>
+#endif
+
 namespace {
 SafeWriteHook g_hook = nullptr;
 
@@ -25,6 +31,39 @@ void stage(SafeWriteStage s, const QString &path)
     default: break;
     }
     rt::raise(number);
+}
+
+// Whether the folder refuses to take a new file because of its permissions (rather
+// than, say, a full disk, where writing in place could leave half a file behind).
+bool folderRefusesNewFiles(const QString &folder)
+{
+#ifdef Q_OS_UNIX
+    QByteArray name = QFile::encodeName(folder) + "/.varno-probe-XXXXXX";
+    const int fd = ::mkstemp(name.data());
+    if (fd < 0)
+        return errno == EACCES || errno == EPERM;
+    ::close(fd);
+    ::unlink(name.constData());
+    return false;
+#else
+    return !QFileInfo(folder).isWritable();
+#endif
+}
+
+// Overwrites the file from its start without truncating it: the old tail stays, and
+// every hard link to the file sees the new bytes. Only for folders that take no
+// temporary file, where the old file cannot be kept whole anyway.
+bool writeInPlace(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadWrite)) // ReadWrite, because WriteOnly would truncate
+        return false;
+    if (file.write(content) != content.size() || !file.flush())
+        fail(file, rt::DeviceIOError);
+    file.close();
+    if (file.error() != QFileDevice::NoError)
+        fail(file, rt::DeviceIOError);
+    return true;
 }
 } // namespace
 
@@ -54,11 +93,14 @@ void WriteKeepingTail(const QString &path, const QByteArray &content)
     }
 
     QSaveFile out(path);
-    // Without this Qt would write straight into the file when it cannot create a
-    // temporary one beside it, which is just what must not happen.
+    // Qt's own fallback for a folder without a temporary file would truncate the file
+    // and take over on more failures than a refusing folder; the one below does neither.
     out.setDirectWriteFallback(false);
-    if (!out.open(QIODevice::WriteOnly))
+    if (!out.open(QIODevice::WriteOnly)) {
+        if (info.exists() && folderRefusesNewFiles(info.absolutePath()) && writeInPlace(path, content))
+            return;
         fail(out, rt::PathFileAccessError);
+    }
     try {
         stage(SafeWriteStage::Opened, path);
         const qint64 half = data.size() / 2;

@@ -104,7 +104,6 @@ void LayoutDocument::ObjectChange(uint8_t kind)
         varnoObject *old = m_objects.Find(key);
         if (!old || old->ID() == kind)
             continue;
-        const int place = m_objects.IndexOf(key);
         const int before = m_objects.Count();
         int16_t angle = old->Angle();
         // A line keeps its width; a kind without one ignores it.
@@ -114,9 +113,8 @@ void LayoutDocument::ObjectChange(uint8_t kind)
         ObjectAdd(kind, old->X(), old->Y(), angle, width, fromView, selected);
         if (m_objects.Count() == before)
             continue; // refused and reported; the old object stays
-        const QString added = m_objects.KeyAt(m_objects.Count() - 1);
+        // Like every new object it goes to the end of the collection, and of the file.
         ObjectRemove(key);
-        m_objects.MoveTo(added, place);
     }
     SelectionUpdate(true);
     RaiseUpdates();

@@ -102,6 +102,17 @@ QImage newPicture(int width, int height, qint64 bytes)
 
 } // namespace
 
+ExportScene::ExportScene(const LayoutDocument &doc) : background(doc.Background())
+{
+    objects.reserve(size_t(doc.Objects().Count()));
+    for (const varnoObject &o : doc.Objects()) {
+        objects.push_back(o.clone());
+        objects.back()->setSelected(false);
+    }
+}
+
+ExportScene::~ExportScene() = default;
+
 qint64 ExportPictureBytes(int width, int height)
 {
     if (width <= 0 || height <= 0)
@@ -114,9 +125,9 @@ qint64 ExportPictureBytes(int width, int height)
     return row * height;
 }
 
-bool RenderLayoutPicture(const LayoutDocument &doc, QImage &picture, const std::function<bool(int)> &bandDone)
+bool RenderLayoutPicture(const ExportScene &scene, QImage &picture, const std::function<bool(int)> &bandDone)
 {
-    const cBitmap &background = doc.Background();
+    const cBitmap &background = scene.background;
     if (picture.isNull() || picture.format() != QImage::Format_ARGB32_Premultiplied || background.isNull()
         || background.Width() <= 0)
         rt::raise(rt::InvalidCall);
@@ -127,8 +138,9 @@ bool RenderLayoutPicture(const LayoutDocument &doc, QImage &picture, const std::
     const float zoom = 4.0f / scale;
 
     std::vector<PlacedObject> placed;
-    placed.reserve(size_t(doc.Objects().Count()));
-    for (varnoObject &o : doc.Objects()) {
+    placed.reserve(scene.objects.size());
+    for (const std::unique_ptr<varnoObject> &object : scene.objects) {
+        varnoObject &o = *object;
         const int x = rt::toInt32(static_cast<double>(static_cast<float>(o.X()) * scale));
         const int y = rt::toInt32(static_cast<double>(static_cast<float>(o.Y()) * scale));
         // Half the largest thing an object draws (its picture or its circle with the pen),
@@ -162,7 +174,7 @@ bool RenderLayoutPicture(const LayoutDocument &doc, QImage &picture, const std::
     return true;
 }
 
-ImageExportResult RenderLayoutImage(const LayoutDocument &doc, const QString &fileName, int width, int height,
+ImageExportResult RenderLayoutImage(const ExportScene &scene, const QString &fileName, int width, int height,
                                     int quality, const ExportProgress &progress)
 {
     ImageExportResult result;
@@ -216,7 +228,7 @@ ImageExportResult RenderLayoutImage(const LayoutDocument &doc, const QString &fi
 
     auto draw = [&] {
         try {
-            RenderLayoutPicture(doc, picture, [&](int rows) {
+            RenderLayoutPicture(scene, picture, [&](int rows) {
                 {
                     std::lock_guard<std::mutex> lock(mutex);
                     rowsDrawn = rows;
@@ -333,7 +345,7 @@ void ReportImageExport(const ImageExportResult &result, int width, int height)
 bool LayoutSaveImageFile(const LayoutDocument &doc, const QString &fileName, int width, int height, int quality,
                          const ExportProgress &progress)
 {
-    const ImageExportResult result = RenderLayoutImage(doc, fileName, width, height, quality, progress);
+    const ImageExportResult result = RenderLayoutImage(ExportScene(doc), fileName, width, height, quality, progress);
     ReportImageExport(result, width, height);
     return result.status == ImageExportResult::Written;
 }

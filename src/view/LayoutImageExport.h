@@ -1,22 +1,36 @@
 #pragma once
 // Saving a layout as a picture: the background stretched to the chosen size, every
 // object drawn on it at that scale in collection order, written in the format the
-// file's extension names. The view's zoom, scroll position and selection play no part
-// (a selected object is still drawn highlighted, as the document draws it).
+// file's extension names. The view's zoom, scroll position and selection play no part.
 //
 // Pictures can be as large as ten times the background each way, so the work is done
 // in one full-size picture and small buffers only: it is drawn in bands of rows, and
 // each band goes to the encoder as soon as it is final, while the next one is drawn.
 
 #include "core/Runtime.h"
+#include "imaging/cBitmap.h"
 
 #include <QImage>
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
+#include <vector>
 
 class LayoutDocument;
+class varnoObject;
+
+// What an export draws: its own copies of the document's background and objects, every
+// object unselected. Made on the window's thread before the drawing starts, so that the
+// drawing thread shares no picture cache with the window's painting, whatever the
+// window does meanwhile. One export at a time may draw from a scene.
+struct ExportScene {
+    explicit ExportScene(const LayoutDocument &doc);
+    ~ExportScene();
+    cBitmap background;
+    std::vector<std::unique_ptr<varnoObject>> objects;
+};
 
 struct ImageExportResult {
     enum Status {
@@ -38,9 +52,9 @@ struct ImageExportResult {
 using ExportProgress = std::function<bool(double fraction)>;
 
 // Renders and writes the picture, and shows and logs nothing, so that it can run away
-// from the window thread. The document must not change meanwhile. Width and height are
-// those of the picture; scale is width / background width, the height plays no part.
-ImageExportResult RenderLayoutImage(const LayoutDocument &doc, const QString &fileName, int width, int height,
+// from the window thread. Width and height are those of the picture; scale is
+// width / background width, the height plays no part.
+ImageExportResult RenderLayoutImage(const ExportScene &scene, const QString &fileName, int width, int height,
                                     int quality, const ExportProgress &progress = {});
 
 // Tells the user what went wrong, as the editor does: the unknown-format box, a
@@ -58,7 +72,7 @@ bool LayoutSaveImageFile(const LayoutDocument &doc, const QString &fileName, int
 // with the stretched background and the objects. bandDone, when given, hears the
 // number of rows that are final after each band and may return false to stop. Throws
 // rt::Error for a drawing failure.
-bool RenderLayoutPicture(const LayoutDocument &doc, QImage &picture,
+bool RenderLayoutPicture(const ExportScene &scene, QImage &picture,
                          const std::function<bool(int rowsDone)> &bandDone = {});
 
 // The bytes a width x height picture takes in memory, or -1 when no QImage can be that large.

@@ -21,9 +21,17 @@ struct CullRect {
 // The area, in layout units, whose objects are drawn (overflow-checked).
 CullRect CullingRect(const ViewGeometry &view);
 
+// The selection as the view marks it: an outline around everything selected, and a
+// marker on each selected object too small to see it is lit. Only the window draws
+// these; exported pictures never show a selection.
+constexpr QRgb SelectionColour = qRgb(40, 200, 255);
+// A selected object whose drawn picture is smaller than this each way gets a marker.
+constexpr int SelectionMarkerBelow = 6;
+
 class LayoutPainter {
 public:
-    // Paints everything; returns how many objects (the marker included) were drawn.
+    // Paints everything, the selection marks last; returns how many objects (the start
+    // marker included) were drawn.
     // Run-time errors reach the caller.
     int Draw(cGraphics &graphics, const LayoutDocument &doc, const ViewGeometry &view);
     // Paints the background only (what Draw starts with).

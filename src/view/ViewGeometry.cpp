@@ -60,7 +60,7 @@ void ViewGeometry::setZoom(float value)
 
 void ViewGeometry::setObjectZoom(int16_t percent)
 {
-    m_objectZoom = percent;
+    m_objectZoom = std::clamp(percent, MinObjectZoom, MaxObjectZoom);
     recomputeObjectScale();
     if (onUpdated)
         onUpdated();

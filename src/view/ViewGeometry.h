@@ -13,6 +13,10 @@ public:
     static constexpr float FitHeight = 72.0f;
     static constexpr float MinZoom = 0.03125f;
     static constexpr float MaxZoom = 8.0f;
+    // Object zoom stays where halving and doubling from 100% can always come back: two
+    // halvings down, four doublings up.
+    static constexpr int16_t MinObjectZoom = 25;
+    static constexpr int16_t MaxObjectZoom = 1600;
 
     struct ScrollBar {
         int32_t value = 0;
@@ -36,6 +40,7 @@ public:
     // the middle of the window in the middle, and reports the change.
     void setZoom(float value);
     int16_t ObjectZoom() const { return m_objectZoom; }
+    // Sets the object zoom in percent, clamped to MinObjectZoom .. MaxObjectZoom.
     void setObjectZoom(int16_t percent);
     float ObjectScale() const { return m_objectScale; }
     float BackgroundScale() const { return m_backgroundScale; }

@@ -116,9 +116,9 @@ private slots:
         QTest::newRow("truncated file keeps what was read")
             << "AU1_cut.lyt" << header(4) + record(-1024, -13224, 255, 0, 29, 0) + "\x01\x02"_ba << 1
             << R"({"type":"AU1","revision":251,"laps":1,"opened":false,"objectCount":1,"objects":[{"id":14,"kind":"cone red","x":815,"y":1470,"angle":-180,"width":0,"route":0}],"messages":[],"errors":["62: Input past end of file in frmLayout.LayoutOpen"]})"_ba;
-        QTest::newRow("empty layout of an unknown type opens")
-            << "XYZ_empty.lyt" << header(0) << 0
-            << R"({"type":"XYZ","revision":251,"laps":1,"opened":true,"objectCount":0,"objects":[],"messages":[],"errors":[]})"_ba;
+        QTest::newRow("empty layout of an unknown type opens, the type is reported")
+            << "XYZ_empty.lyt" << header(0) << 1
+            << R"({"type":"XYZ","revision":251,"laps":1,"opened":true,"objectCount":0,"objects":[],"messages":[],"errors":["XYZ\r\nUnsupported layout. Currently only AU1, AU2, AU3, AU4 and BL3 are supported."]})"_ba;
     }
     void infoJson()
     {
@@ -193,11 +193,37 @@ private slots:
         QVERIFY(a.at(7) == char(250) || a.at(7) == char(251));
     }
 
-    void resaveOfABrokenFileWritesNothing()
+    // A layout the editor could not show whole is never reported as read or written back.
+    void refusedLayoutsWriteNothing_data()
     {
-        const QString in = WriteFile(m_app->file(u"layouts/AU1_broken.lyt"_s), header(2) + "\x01"_ba);
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("hideBackground");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("truncated") << header(2) + "\x01"_ba << false << "could not be opened; nothing was written."_ba;
+        QTest::newRow("background missing") << header(1) + record(-1024, -13224, 255, 0, 29, 192) << true
+                                            << "could not be loaded, so its objects cannot be placed"_ba;
+    }
+    void refusedLayoutsWriteNothing()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, hideBackground);
+        QFETCH(QByteArray, message);
+        const QString background = m_app->file(u"backgrounds/AU1.png"_s);
+        if (hideBackground)
+            QVERIFY(QFile::rename(background, background + u".away"_s));
+        const auto restore = qScopeGuard([&] {
+            if (hideBackground)
+                QFile::rename(background + u".away"_s, background);
+        });
+        const QString in = WriteFile(m_app->file(u"layouts/AU1_keep.lyt"_s), bytes);
         const QString out = m_app->file(u"layouts/AU1_never.lyt"_s);
-        QCOMPARE(run({u"resave"_s, in, out}).exitCode, 1);
+        QCOMPARE(run({u"info"_s, in}).exitCode, 1);
+        for (const QString &target : {in, out}) {
+            const Result r = run({u"resave"_s, in, target});
+            QCOMPARE(r.exitCode, 1);
+            QVERIFY2(r.err.contains(message), r.err.constData());
+        }
+        QCOMPARE(ReadAll(in), bytes);
         QVERIFY(!QFile::exists(out));
     }
 

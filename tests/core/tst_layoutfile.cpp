@@ -117,6 +117,7 @@ private slots:
         QFETCH(QString, problem);
         WriteFile(m_fx.layoutPath(file), bytes);
         auto doc = m_fx.document(file);
+        ClearLoggedErrors(); // an unknown type has been reported by the background's loading
         QSignalSpy refusals(doc.get(), &LayoutDocument::Message);
         const bool logged = problem.contains(u" in "_s);
         QCOMPARE(doc->LayoutOpen(), !logged);
@@ -259,6 +260,41 @@ private slots:
                  saved && asks && remember ? chosen.left(answer.size() - 1) : u"/start/here"_s);
     }
 
+    // A name that does not begin with the type would open as another type: Save As says
+    // so, and offers the dialog again with the type in front, or to save it all the same.
+    void nameWithoutTheType_data()
+    {
+        QTest::addColumn<QStringList>("answers"); // file names chosen in turn; empty cancels
+        QTest::addColumn<int>("question");        // 1: Yes, choose another name; 0: No, save anyway
+        QTest::addColumn<QString>("saved");       // empty: nothing saved
+        QTest::newRow("choose another name") << QStringList{"slalom.lyt", "AU1_slalom.lyt"} << 1 << "AU1_slalom.lyt";
+        QTest::newRow("save anyway") << QStringList{"slalom.lyt"} << 0 << "slalom.lyt";
+        QTest::newRow("then cancel") << QStringList{"AU2_x.lyt", ""} << 1 << "";
+        QTest::newRow("lower case is the type") << QStringList{"au1_low.lyt"} << -1 << "au1_low.lyt";
+    }
+    void nameWithoutTheType()
+    {
+        QFETCH(QStringList, answers);
+        QFETCH(int, question);
+        QFETCH(QString, saved);
+        auto doc = m_fx.document(u"AU1_untitled.lyt"_s);
+        addObject(*doc, 14, 5, 5);
+        for (const QString &a : answers)
+            m_dialogs->saveAnswers << (a.isEmpty() ? a : m_fx.layoutPath(a));
+        if (question >= 0)
+            m_dialogs->answers << (question ? MsgResult::Yes : MsgResult::No);
+        QCOMPARE(doc->LayoutSave(true), !saved.isEmpty());
+        QCOMPARE(m_dialogs->messages.size(), question >= 0 ? 1 : 0);
+        if (question >= 0)
+            QCOMPARE(m_dialogs->messages[0].text, WrongTypeNameText(answers[0], u"AU1"_s));
+        QCOMPARE(m_dialogs->saveRequests.size(), answers.size());
+        if (answers.size() > 1) // proposed again beside the first choice, with the type in front
+            QCOMPARE(QDir(m_dialogs->saveRequests[1].initialDir).filePath(m_dialogs->saveRequests[1].fileName),
+                     m_fx.layoutPath(u"AU1_"_s + answers[0]));
+        QCOMPARE(doc->LayoutName(), saved.isEmpty() ? u"AU1_untitled.lyt"_s : saved);
+        QCOMPARE(doc->Edited(), saved.isEmpty());
+    }
+
     // XY2 has no map: without objects the header is all there is to write; with one the
     // header goes out and the object does not, and the layout stays unsaved.
     void unsupportedTypeSave()
@@ -272,8 +308,8 @@ private slots:
 
         DocumentState s = doc.snapshot();
         s.objects.push_back(std::make_shared<nrmlObject>());
-        s.edited = true;
         doc.restore(s);
+        doc.setEdited(true);
         QSignalSpy named(&doc, &LayoutDocument::LayoutNameChanged);
         QVERIFY(!doc.LayoutSave(false));
         QCOMPARE(m_dialogs->messages.value(0).text, u"XY2\r\n"_s + Lang(164));

@@ -21,6 +21,20 @@ class TestLayoutObject : public QObject {
         o->Update(angle, width);
         return o;
     }
+    // The object drawn at (at, at) on a clear side x side canvas.
+    static cBitmap drawn(varnoObject &o, int side, int at, float zoom, bool nearest = false)
+    {
+        cBitmap canvas;
+        canvas.CreateFromScan0(side, side);
+        {
+            cGraphics g;
+            g.GetGraphicsContext(canvas);
+            if (nearest)
+                g.SetInterpolationMode(InterpolationModeNearestNeighbor);
+            o.Draw(at, at, g, zoom, nullptr);
+        }
+        return canvas;
+    }
 
 private slots:
     void initTestCase()
@@ -28,15 +42,13 @@ private slots:
         // Known pictures: an opaque 40 x 20 red block for the start, a 23 x 5 white bar
         // for the lines and a 14 x 14 marshall.
         m_app = std::make_unique<TempAppFolder>(false);
-        QImage start(40, 20, QImage::Format_ARGB32);
-        start.fill(QColor(200, 0, 0));
-        start.save(m_app->file(u"objects/start.png"_s));
-        QImage line(23, 5, QImage::Format_ARGB32);
-        line.fill(Qt::white);
-        line.save(m_app->file(u"objects/line.png"_s));
-        QImage marshall(14, 14, QImage::Format_ARGB32);
-        marshall.fill(Qt::yellow);
-        marshall.save(m_app->file(u"objects/marshall.png"_s));
+        for (const auto &[name, size, colour] : {std::tuple{"start", QSize(40, 20), QColor(200, 0, 0)},
+                                                 std::tuple{"line", QSize(23, 5), QColor(Qt::white)},
+                                                 std::tuple{"marshall", QSize(14, 14), QColor(Qt::yellow)}}) {
+            QImage img(size, QImage::Format_ARGB32);
+            img.fill(colour);
+            img.save(m_app->file(u"objects/%1.png"_s.arg(QLatin1String(name))));
+        }
         FillCatalogue();
     }
     void cleanupTestCase() { m_app.reset(); }
@@ -147,18 +159,16 @@ private slots:
         QCOMPARE(seen.size(), 2000);
     }
 
+    // Only a route checker keeps its number; each circle kind has its pen.
     void routeIndex()
     {
-        mrshObject checker;
+        mrshObject checker, area;
         checker.setID(59);
-        checker.setRouteIndex(4);
-        QCOMPARE(int(checker.RouteIndex()), 4);
-        QCOMPARE(checker.PenColour(), 0xFF008000u);
-        mrshObject area;
         area.setID(56);
+        checker.setRouteIndex(4);
         area.setRouteIndex(4);
-        QCOMPARE(int(area.RouteIndex()), 0);
-        QCOMPARE(area.PenColour(), 0xFFFF0000u);
+        QCOMPARE((QList<int>{checker.RouteIndex(), area.RouteIndex()}), (QList<int>{4, 0}));
+        QCOMPARE((QList<uint>{checker.PenColour(), area.PenColour()}), (QList<uint>{0xFF008000u, 0xFFFF0000u}));
     }
 
     void rotationTurnsThePicture()
@@ -188,14 +198,7 @@ private slots:
         QFETCH(float, zoom);
         QFETCH(int, expectedPixels);
         auto o = make(0);
-        cBitmap canvas;
-        QVERIFY(canvas.CreateFromScan0(60, 60));
-        {
-            cGraphics g;
-            QVERIFY(g.GetGraphicsContext(canvas));
-            g.SetInterpolationMode(InterpolationModeNearestNeighbor);
-            o->Draw(30, 30, g, zoom, nullptr);
-        }
+        const cBitmap canvas = drawn(*o, 60, 30, zoom, true);
         int opaque = 0;
         for (int y = 0; y < 60; ++y)
             for (int x = 0; x < 60; ++x)
@@ -208,12 +211,7 @@ private slots:
         auto o = make(0);
         auto paintCentre = [&](bool selected) {
             o->setSelected(selected);
-            cBitmap canvas;
-            canvas.CreateFromScan0(80, 80);
-            cGraphics g;
-            g.GetGraphicsContext(canvas);
-            o->Draw(40, 40, g, 1.0f, nullptr);
-            return QColor(canvas.Handle().pixel(40, 40));
+            return QColor(drawn(*o, 80, 40, 1.0f).Handle().pixel(40, 40));
         };
         QCOMPARE(paintCentre(false), QColor(200, 0, 0));
         // 0.55 added to every channel: (200, 0, 0) becomes (255, 140, 140).
@@ -241,18 +239,11 @@ private slots:
         // about 25 pixels from the centre.
         auto o = make(kind, 0, 10);
         o->setSelected(selected);
-        cBitmap canvas;
-        canvas.CreateFromScan0(100, 100);
-        {
-            cGraphics g;
-            g.GetGraphicsContext(canvas);
-            o->Draw(50, 50, g, 4.0f, nullptr);
-        }
+        const cBitmap canvas = drawn(*o, 100, 50, 4.0f);
         QCOMPARE(QColor(canvas.Handle().pixel(50 + 25, 50)), colour);
         QCOMPARE(canvas.GetPixelAlpha(50, 50), uint8_t(0));
         QCOMPARE(canvas.GetPixelAlpha(50 + 31, 50), uint8_t(0));
     }
-
 };
 
 QTEST_MAIN(TestLayoutObject)

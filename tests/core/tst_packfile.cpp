@@ -162,17 +162,6 @@ private slots:
         QCOMPARE(LoggedErrors(), logged.isEmpty() ? QStringList() : QStringList{logged});
     }
 
-    void readMissing()
-    {
-        auto doc = m_fx.document(u"AU1_m.lyt"_s);
-        addObject(*doc, 14, 7, 7, 0, 0, true);
-        doc->PackRead(u"AU_none.pack"_s, 5, 5);
-        QCOMPARE(LoggedErrors(),
-                 QStringList{u"packs"_s + QDir::separator() + u"AU_none.pack\r\n\r\nNot found!?"_s});
-        QCOMPARE(m_dialogs->messages.value(0).title, u"Sorry :("_s);
-        QCOMPARE(objectsText(*doc, true), u"14@7,7 a0 w0"_s);
-    }
-
     void garbageNeverCrashes()
     {
         QRandomGenerator rng(7);

@@ -104,13 +104,7 @@ private slots:
         m_doc->ObjectRotate(15);
         QCOMPARE(m_doc->Objects().At(2).Angle(), int16_t(15));
         QCOMPARE(m_doc->Objects().At(3).Angle(), int16_t(15));
-    }
-
-    void overflowReachesTheCaller()
-    {
-        addObject(*m_doc, 20, 100, 100, 0);
-        addObject(*m_doc, 20, 200, 100, 0);
-        selectIndices(*m_doc, {0, 1});
+        // An angle past 16 bits reaches the caller as an overflow.
         QCOMPARE(errorOf([&] { m_doc->ObjectRotate(40000); }), int(rt::Overflow));
     }
 
@@ -120,12 +114,12 @@ private slots:
         QTest::addColumn<QString>("expected");
         QTest::addColumn<QString>("message");
         // Objects: cone at 100,100 (selected), start at 300,300, cone at 500,500 (selected).
-        QTest::newRow("cone to tyre keeps place, angle and order")
-            << 31 << "31@100,100 a45 w0; 0@300,300 a0 w0; 31@500,500 a-90 w0" << "";
+        QTest::newRow("cone to tyre keeps place and angle, and goes to the end")
+            << 31 << "0@300,300 a0 w0; 31@100,100 a45 w0; 31@500,500 a-90 w0" << "";
         QTest::newRow("a second start is refused and the rest still change")
             << 0 << "20@100,100 a45 w0; 0@300,300 a0 w0; 20@500,500 a-90 w0"
             << "Unique object already in layout, cannot add";
-        QTest::newRow("finish gets a width") << 1 << "1@100,100 a45 w10; 0@300,300 a0 w0; 20@500,500 a-90 w0"
+        QTest::newRow("finish gets a width") << 1 << "0@300,300 a0 w0; 20@500,500 a-90 w0; 1@100,100 a45 w10"
                                              << "Unique object already in layout, cannot add";
         QTest::newRow("a kind of the other site is refused")
             << 54 << "20@100,100 a45 w0; 0@300,300 a0 w0; 20@500,500 a-90 w0"

@@ -174,28 +174,6 @@ private slots:
         QVERIFY2(low * 3 < high * 2, qPrintable(QString("%1 vs %2 bytes").arg(low).arg(high)));
     }
 
-    // A folder that cannot be written to keeps the file already in it.
-    void readOnlyFolderKeepsFile()
-    {
-        ScriptedDialogs dialogs;
-        const QString folder = m_app->file("locked");
-        const QString existing = WriteFile(folder + "/picture.png", "old bytes");
-        QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner);
-        QFile probe(folder + "/probe");
-        const bool enforced = !probe.open(QIODevice::WriteOnly);
-        probe.remove();
-        if (enforced) {
-            ClearLoggedErrors();
-            QVERIFY(!saveAs(samplePicture(), existing));
-            QCOMPARE(LoggedErrors(), QStringList{"70: Permission denied in cGDIP.SaveBitmapToFile"});
-        }
-        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        QCOMPARE(ReadAll(existing), QByteArray("old bytes"));
-        QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList{"picture.png"});
-        if (!enforced)
-            QSKIP("Folder permissions are not enforced for this user (running as root?)");
-    }
-
     // rows < 0: begin() must refuse the arguments. A row too many is refused, and finish()
     // succeeds only after every row.
     void gifStreaming_data()

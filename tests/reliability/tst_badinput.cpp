@@ -6,9 +6,7 @@
 #include "ReliabilitySupport.h"
 #include "support/DocumentFixture.h"
 
-#include "app/Config.h"
 #include "app/ErrorLog.h"
-#include "imaging/cGDIP.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -68,16 +66,6 @@ QString dropPack(Env &env, const QString &name, int x, int y)
     return objectsText(*env.base);
 }
 
-QString readOptions()
-{
-    try {
-        GetOptions();
-    } catch (const rt::Error &e) {
-        return e.message();
-    }
-    return u"read"_s;
-}
-
 QString loadLanguage(Env &env)
 {
     options().Language = env.fx.app.file(u"lang/Odd.lng"_s);
@@ -113,12 +101,6 @@ struct Row {
     bool needsPermissions = false;
 };
 
-// The "Sorry :(" box of a logged error.
-QString sorry(const QString &line)
-{
-    return ErrorBoxText(line);
-}
-
 const QString kNotFound = u"\r\n\r\nNot found!?"_s;
 const QString kUnsupported = u"Unsupported layout. Currently only AU1, AU2, AU3, AU4 and BL3 are supported."_s;
 const QString kOutside = u"Object outside layout, cannot add"_s;
@@ -130,24 +112,18 @@ QByteArray cone()
     return lytRecord(0, -13224, 255, 0, 29, 128);
 }
 
-QByteArray packOf(int width, int height, QList<PackRecord> records)
-{
-    return PackBytes(int16_t(width), int16_t(height), records);
-}
-
 const QList<Row> &rows()
 {
     static const QList<Row> table = [] {
         const QString open62 = errorLine(62, u"frmLayout.LayoutOpen"_s);
-        const QString pack6 = errorLine(6, u"frmLayout.PackRead"_s);
         const QString longName = u"AU1_"_s + QString(300, u'x') + u".lyt"_s;
         QList<Row> t;
         // --- layouts -----------------------------------------------------------------
         t << Row{"truncated header", [](Env &e) { e.layout(u"AU1_short.lyt"_s, lytHeader(251, 1, 0).left(7)); },
-                 [](Env &e) { return open(e, u"AU1_short.lyt"_s); }, u"failed 0"_s, {sorry(open62)}, {open62}};
+                 [](Env &e) { return open(e, u"AU1_short.lyt"_s); }, u"failed 0"_s, {ErrorBoxText(open62)}, {open62}};
         t << Row{"count above the records present",
                  [](Env &e) { e.layout(u"AU1_count.lyt"_s, lytHeader(251, 3, 0) + cone()); },
-                 [](Env &e) { return open(e, u"AU1_count.lyt"_s); }, u"failed 1: "_s + kCone, {sorry(open62)}, {open62}};
+                 [](Env &e) { return open(e, u"AU1_count.lyt"_s); }, u"failed 1: "_s + kCone, {ErrorBoxText(open62)}, {open62}};
         t << Row{"count low byte of 128 or more",
                  [](Env &e) { e.layout(u"AU1_200.lyt"_s, lytHeader(251, 200, 0) + cone().repeated(200)); },
                  [](Env &e) { return open(e, u"AU1_200.lyt"_s); }, u"opened 200"_s, {}, {}};
@@ -158,7 +134,7 @@ const QList<Row> &rows()
                      e.layout(u"AU1_neg.lyt"_s, bytes);
                  },
                  [](Env &e) { return open(e, u"AU1_neg.lyt"_s); }, u"failed 0"_s,
-                 {sorry(errorLine(6, u"frmLayout.LayoutOpen"_s))}, {errorLine(6, u"frmLayout.LayoutOpen"_s)}};
+                 {ErrorBoxText(errorLine(6, u"frmLayout.LayoutOpen"_s))}, {errorLine(6, u"frmLayout.LayoutOpen"_s)}};
         t << Row{"a folder named like a layout", [](Env &e) { QDir().mkpath(e.fx.layoutPath(u"AU1_dir.lyt"_s)); },
                  [](Env &e) { return open(e, u"AU1_dir.lyt"_s); }, u"failed 0"_s,
                  {u"{app}layouts/AU1_dir.lyt"_s + kNotFound}, {}};
@@ -174,17 +150,18 @@ const QList<Row> &rows()
                      OrdinaryUser user;
                      return open(e, u"AU1_locked.lyt"_s);
                  },
-                 u"failed 0"_s, {sorry(errorLine(75, u"frmLayout.LayoutOpen"_s))},
+                 u"failed 0"_s, {ErrorBoxText(errorLine(75, u"frmLayout.LayoutOpen"_s))},
                  {errorLine(75, u"frmLayout.LayoutOpen"_s)}, {}, true};
         t << Row{"an empty file", [](Env &e) { e.layout(u"AU1_empty.lyt"_s, {}); },
-                 [](Env &e) { return open(e, u"AU1_empty.lyt"_s); }, u"failed 0"_s, {sorry(open62)}, {open62}};
+                 [](Env &e) { return open(e, u"AU1_empty.lyt"_s); }, u"failed 0"_s, {ErrorBoxText(open62)}, {open62}};
         t << Row{"unknown type without objects", [](Env &e) { e.layout(u"XY2_none.lyt"_s, lytHeader(251, 0, 0)); },
-                 [](Env &e) { return open(e, u"XY2_none.lyt"_s); }, u"opened 0"_s, {u"XY2\r\n"_s + kUnsupported}, {}};
+                 [](Env &e) { return open(e, u"XY2_none.lyt"_s); }, u"opened 0"_s, {ErrorBoxText(u"XY2\r\n"_s + kUnsupported)},
+                 {u"XY2\r\n"_s + kUnsupported}};
         t << Row{"unknown type with objects", [](Env &e) { e.layout(u"XY2_one.lyt"_s, lytHeader(251, 1, 0) + cone()); },
                  [](Env &e) { return open(e, u"XY2_one.lyt"_s); }, u"failed 0"_s,
-                 {u"XY2\r\n"_s + kUnsupported,
-                  sorry(u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s)},
-                 {u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s}};
+                 {ErrorBoxText(u"XY2\r\n"_s + kUnsupported),
+                  ErrorBoxText(u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s)},
+                 {u"XY2\r\n"_s + kUnsupported, u"5: XY2_one.lyt\r\n\r\n"_s + kUnsupported + u" in frmLayout.LayoutOpen"_s}};
         t << Row{"a layout path longer than the platform allows", {},
                  [longName](Env &e) { return open(e, longName); }, u"failed 0"_s,
                  {u"{app}layouts/"_s + longName + kNotFound}, {}};
@@ -201,38 +178,24 @@ const QList<Row> &rows()
                      const bool saved = e.base->LayoutSave(false);
                      return (saved ? u"saved "_s : u"not saved "_s) + (e.base->Edited() ? u"edited"_s : u"clean"_s);
                  },
-                 u"not saved edited"_s, {sorry(errorLine(tooLong, u"frmLayout.LayoutSave"_s))},
+                 u"not saved edited"_s, {ErrorBoxText(errorLine(tooLong, u"frmLayout.LayoutSave"_s))},
                  {errorLine(tooLong, u"frmLayout.LayoutSave"_s)}};
         // --- packs -------------------------------------------------------------------
-        t << Row{"pack with a zero box", [](Env &e) { e.pack(u"AU_zero.pack"_s, packOf(0, 0, {{14, 0, 0, 90, 0}})); },
+        t << Row{"pack with a zero box", [](Env &e) { e.pack(u"AU_zero.pack"_s, PackBytes(0, 0, {{14, 0, 0, 90, 0}})); },
                  [](Env &e) { return dropPack(e, u"AU_zero.pack"_s, 300, 200); }, kBase + u"; 14@300,200 a90 w0"_s};
         t << Row{"pack with a negative box",
-                 [](Env &e) { e.pack(u"AU_neg.pack"_s, packOf(-40, -20, {{14, 0, 0, 0, 0}})); },
+                 [](Env &e) { e.pack(u"AU_neg.pack"_s, PackBytes(-40, -20, {{14, 0, 0, 0, 0}})); },
                  [](Env &e) { return dropPack(e, u"AU_neg.pack"_s, 300, 200); }, kBase + u"; 14@320,210 a0 w0"_s};
         t << Row{"pack with a huge box",
                  [](Env &e) {
-                     e.pack(u"AU_huge.pack"_s, packOf(32767, 32767, {{14, 0, 0, 0, 0}, {14, 16383, 16383, 0, 0}}));
+                     e.pack(u"AU_huge.pack"_s, PackBytes(32767, 32767, {{14, 0, 0, 0, 0}, {14, 16383, 16383, 0, 0}}));
                  },
                  [](Env &e) { return dropPack(e, u"AU_huge.pack"_s, 300, 200); }, kBase + u"; 14@300,200 a0 w0"_s, {},
                  {}, {kOutside}};
-        t << Row{"pack whose offsets overflow at the drop point",
-                 [](Env &e) { e.pack(u"AU_far.pack"_s, packOf(0, 0, {{14, 1000, 0, 0, 0}})); },
-                 [](Env &e) { return dropPack(e, u"AU_far.pack"_s, 32000, 100); }, kBase, {sorry(pack6)}, {pack6}};
-        t << Row{"pack whose box overflows at the drop point",
-                 [](Env &e) { e.pack(u"AU_wide.pack"_s, packOf(-32768, 0, {{14, 0, 0, 0, 0}})); },
-                 [](Env &e) { return dropPack(e, u"AU_wide.pack"_s, 20000, 100); }, kBase, {sorry(pack6)}, {pack6}};
-        t << Row{"an empty pack", [](Env &e) { e.pack(u"AU_empty.pack"_s, {}); },
-                 [](Env &e) { return dropPack(e, u"AU_empty.pack"_s, 300, 200); }, kBase,
-                 {sorry(errorLine(62, u"frmLayout.PackRead"_s))}, {errorLine(62, u"frmLayout.PackRead"_s)}};
         t << Row{"a folder named like a pack", [](Env &e) { QDir().mkpath(e.fx.app.file(u"packs/AU_dir.pack"_s)); },
                  [](Env &e) { return dropPack(e, u"AU_dir.pack"_s, 300, 200); }, kBase,
-                 {sorry(u"packs/AU_dir.pack"_s + kNotFound)},
+                 {ErrorBoxText(u"packs/AU_dir.pack"_s + kNotFound)},
                  {QDir::toNativeSeparators(u"packs/AU_dir.pack"_s) + kNotFound}};
-        // --- Varno.cfg (start-up shows the error and stops; see Application) -----------
-        t << Row{"SavePercent abc", [](Env &) { WriteFile(ConfigPath(), "SavePercent abc\r\n"); },
-                 [](Env &) { return readOptions(); }, u"13: Type mismatch (SavePercent abc)"_s};
-        t << Row{"SavePercent 99999", [](Env &) { WriteFile(ConfigPath(), "SavePercent 99999\r\n"); },
-                 [](Env &) { return readOptions(); }, u"6: Overflow (SavePercent 99999)"_s};
         // --- language files ----------------------------------------------------------
         t << Row{"language file with bytes the code page does not define",
                  [](Env &e) {
@@ -247,17 +210,10 @@ const QList<Row> &rows()
                  },
                  [](Env &e) { return loadLanguage(e); }, u"Opt\uFFFD(ons|\uFFFD\uFFFD"_s};
         // --- pictures ----------------------------------------------------------------
-        t << Row{"a missing background", {},
-                 [](Env &e) { return loadBackground(e, e.fx.app.file(u"missing.png"_s)); }, u"no background 0x0"_s,
-                 {u"{app}backgrounds/AU1.png"_s + kNotFound}};
-        t << Row{"a background that is not a picture",
-                 [](Env &e) { WriteFile(e.fx.app.file(u"text.png"_s), "This is not a picture.\r\n"); },
-                 [](Env &e) { return loadBackground(e, e.fx.app.file(u"text.png"_s)); }, u"no background 0x0"_s,
-                 {sorry(errorLine(481, u"frmLayout.LayoutLoadBG"_s))}, {errorLine(481, u"frmLayout.LayoutLoadBG"_s)}};
         t << Row{"a background larger than memory allows",
                  [](Env &e) { WriteFile(e.fx.app.file(u"huge.png"_s), PngClaimingSize(65535, 65535)); },
                  [](Env &e) { return loadBackground(e, e.fx.app.file(u"huge.png"_s)); }, u"no background 0x0"_s,
-                 {sorry(errorLine(481, u"frmLayout.LayoutLoadBG"_s))}, {errorLine(481, u"frmLayout.LayoutLoadBG"_s)}};
+                 {ErrorBoxText(errorLine(481, u"frmLayout.LayoutLoadBG"_s))}, {errorLine(481, u"frmLayout.LayoutLoadBG"_s)}};
         t << Row{"an object picture larger than memory allows",
                  [](Env &e) { WriteFile(e.fx.app.file(u"objects/huge.png"_s), PngClaimingSize(40000, 40000)); },
                  [](Env &) {
@@ -267,16 +223,6 @@ const QList<Row> &rows()
                      return ObjectKindAt(20).Image.Handle() == placeholder.Handle() ? u"placeholder"_s : u"other"_s;
                  },
                  u"placeholder"_s};
-        t << Row{"export path in a missing folder", {},
-                 [](Env &e) {
-                     cBitmap picture;
-                     picture.CreateFromScan0(8, 8);
-                     cGDIP gdip;
-                     return gdip.SaveBitmapToFile(picture, e.fx.app.file(u"missing/view.png"_s), 90) ? u"written"_s
-                                                                                                     : u"not written"_s;
-                 },
-                 u"not written"_s, {sorry(errorLine(76, u"cGDIP.SaveBitmapToFile"_s))},
-                 {errorLine(76, u"cGDIP.SaveBitmapToFile"_s)}};
         return t;
     }();
     return table;

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 Dialogs *currentDialogs()
 {
@@ -128,4 +130,30 @@ QByteArray ReadAll(const QString &path)
 {
     QFile f(path);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+QString PictureDifference(const QImage &expected, const QImage &actual)
+{
+    if (expected.size() != actual.size())
+        return QStringLiteral("%1 x %2 pixels, expected %3 x %4")
+            .arg(actual.width()).arg(actual.height()).arg(expected.width()).arg(expected.height());
+    const QImage e = expected.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const QImage a = actual.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    qsizetype differing = 0;
+    for (int y = 0; y < e.height(); ++y)
+        for (int x = 0; x < e.width(); ++x) {
+            const QRgb p = e.pixel(x, y), q = a.pixel(x, y);
+            if (p == q)
+                continue;
+            ++differing;
+            if (std::max({qAbs(qRed(p) - qRed(q)), qAbs(qGreen(p) - qGreen(q)), qAbs(qBlue(p) - qBlue(q)),
+                          qAbs(qAlpha(p) - qAlpha(q))}) > 2)
+                return QStringLiteral("pixel %1,%2 is #%3, expected #%4")
+                    .arg(x).arg(y).arg(q, 8, 16, QLatin1Char('0')).arg(p, 8, 16, QLatin1Char('0'));
+        }
+    const qsizetype allowed = std::max<qsizetype>(4, qsizetype(e.width()) * e.height() / 50);
+    if (differing > allowed)
+        return QStringLiteral("%1 pixels are slightly off, more than the %2 that rounding explains")
+            .arg(differing).arg(allowed);
+    return QString();
 }

@@ -1,9 +1,10 @@
 #pragma once
-// Shared helpers for the tests: a dialog stand-in that never blocks, and a throw-away
-// application folder.
+// Shared helpers for the tests: a dialog stand-in that never blocks, a throw-away
+// application folder, and a picture comparison that holds on any processor.
 
 #include "core/Dialogs.h"
 
+#include <QImage>
 #include <QList>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -65,3 +66,12 @@ QString CopyCli(const TempAppFolder &app);
 // Writes bytes to a file, creating folders; returns the path.
 QString WriteFile(const QString &path, const QByteArray &bytes);
 QByteArray ReadAll(const QString &path);
+
+// Why two pictures differ, or an empty string when they show the same. Qt picks its
+// drawing and pixel-conversion code by processor, so anti-aliased edges and smooth
+// scaling may round a step apart from one machine to the next. Pixels are compared
+// premultiplied, as they are seen: a nearly clear edge pixel whose stored colour rounds
+// differently is no change. Every channel may be off by 2 / 255 on at most 2 % of the
+// pixels (at least 4, for the small icons); a different size, a moved edge, a new
+// colour or a shade changed all over are differences.
+QString PictureDifference(const QImage &expected, const QImage &actual);

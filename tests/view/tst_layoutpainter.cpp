@@ -1,7 +1,9 @@
-// The repaint without a window: culling around the visible area and what gets drawn.
+// The repaint without a window: culling around the visible area, what gets drawn, thin
+// lines at small sizes (in the view and in exports) and the selection marks.
 
-#include "support/DocumentFixture.h"
 #include "imaging/cGraphics.h"
+#include "support/DocumentFixture.h"
+#include "view/LayoutImageExport.h"
 #include "view/LayoutPainter.h"
 #include "view/ViewGeometry.h"
 
@@ -10,18 +12,71 @@
 class TestLayoutPainter : public DocumentTest {
     Q_OBJECT
 
-    // Objects drawn (the marker left out) with the view scrolled to (500, 300).
-    int drawnAt(LayoutDocument &doc, ViewGeometry &view)
+    // Paints doc as view shows it on a black picture of the client size (into out when
+    // given); returns what the painter counts as drawn.
+    static int paint(const LayoutDocument &doc, ViewGeometry &view, QImage *out = nullptr)
     {
         QImage target(view.clientWidth(), view.clientHeight(), QImage::Format_ARGB32_Premultiplied);
         target.fill(Qt::black);
-        cGraphics g;
-        g.CreateFromHdc(&target);
-        LayoutPainter painter;
-        return painter.Draw(g, doc, view) - (doc.HasStart() ? 0 : 1);
+        int drawn;
+        {
+            cGraphics g;
+            g.CreateFromHdc(&target);
+            drawn = LayoutPainter().Draw(g, doc, view);
+        }
+        if (out)
+            *out = target;
+        return drawn;
+    }
+
+    // Some tests change the background; the others get the fixture's plain one.
+    void prepare() override { options().AU1 = m_fx.app.file(QStringLiteral("bg.png")); }
+
+    // The whole layout painted as the view shows it at zoom.
+    static QImage paintView(const LayoutDocument &doc, ViewGeometry &view, float zoom)
+    {
+        view.setClientSize(int(1000 * zoom), int(800 * zoom));
+        view.setBackground(1000, 800, 1000); // objects at true scale, as on the shipped pictures
+        view.setZoom(zoom);
+        QImage target;
+        paint(doc, view, &target);
+        return target;
+    }
+    static QPoint inView(const ViewGeometry &view, int x, int y)
+    {
+        view.layoutToView(x, y);
+        return {x, y};
+    }
+    // Pixels within reach of at whose colour is near colour (or, with far, not near it).
+    static bool colourNear(const QImage &image, QPoint at, int reach, QRgb colour, int tolerance,
+                           bool far = false)
+    {
+        for (int y = at.y() - reach; y <= at.y() + reach; ++y)
+            for (int x = at.x() - reach; x <= at.x() + reach; ++x) {
+                if (!image.valid(x, y))
+                    continue;
+                const QRgb p = image.pixel(x, y);
+                const int d = std::max({qAbs(qRed(p) - qRed(colour)), qAbs(qGreen(p) - qGreen(colour)),
+                                        qAbs(qBlue(p) - qBlue(colour))});
+                if ((d > tolerance) == far)
+                    return true;
+            }
+        return false;
     }
 
 private slots:
+    void initTestCase()
+    {
+        // White pictures, tinted by kind: the 23 x 5 strip of the lines and a 40 x 40 cone.
+        for (const QSize size : {QSize(23, 5), QSize(40, 40)}) {
+            QImage white(size, QImage::Format_ARGB32);
+            white.fill(Qt::white);
+            white.save(m_fx.app.file(size.height() == 5 ? QStringLiteral("objects/line.png")
+                                                        : QStringLiteral("objects/cone.png")));
+        }
+        FillCatalogue();
+    }
+
     void culling_data()
     {
         QTest::addColumn<int>("x");
@@ -50,7 +105,7 @@ private slots:
         view.setZoom(1.0f);
         view.setScroll(0, 500);
         view.setScroll(1, 300);
-        QCOMPARE(drawnAt(*doc, view), drawn);
+        QCOMPARE(paint(*doc, view) - 1, drawn); // the start marker left out
     }
 
     void withoutBackgroundNothingIsDrawn()
@@ -60,13 +115,8 @@ private slots:
         QVERIFY(doc->Background().isNull());
         ViewGeometry view;
         view.setClientSize(200, 100);
-        QImage target(200, 100, QImage::Format_ARGB32_Premultiplied);
-        target.fill(Qt::black);
-        cGraphics g;
-        g.CreateFromHdc(&target);
-        LayoutPainter painter;
-        QCOMPARE(painter.Draw(g, *doc, view), 0);
-        g.Handle()->end();
+        QImage target;
+        QCOMPARE(paint(*doc, view, &target), 0);
         QCOMPARE(target.pixel(100, 50), qRgb(0, 0, 0));
     }
 
@@ -99,6 +149,95 @@ private slots:
         QCOMPARE(paint(), qRgb(255, 0, 0));
         view.setScroll(0, 250);
         QCOMPARE(paint(), qRgb(0, 0, 255));
+    }
+
+    // A finish or checkpoint is a 5-pixel strip drawn at a small fraction of its
+    // picture: at every width, turn and size it must leave pixels all along its length.
+    void thinLinesStayWhole_data()
+    {
+        QTest::addColumn<bool>("exported");
+        QTest::addColumn<QList<int>>("percents"); // view zoom or export size
+        QTest::newRow("view") << false << QList<int>{10, 20, 30, 40, 50, 58, 60, 70, 80, 90, 100};
+        QTest::newRow("export") << true << QList<int>{10, 20, 30, 40, 50, 60, 70, 80, 90, 100};
+    }
+    void thinLinesStayWhole()
+    {
+        QFETCH(bool, exported);
+        QFETCH(QList<int>, percents);
+        auto doc = m_fx.document(QStringLiteral("AU1_lines.lyt"));
+        addObject(*doc, Kind::Finish, 500, 100, 0, 10);
+        varnoObject &line = doc->Objects().At(0);
+        const QRgb ground = doc->Background().Handle().pixel(0, 0);
+        for (int percent : percents)
+            for (int angle : {0, 45, 90})
+                for (int width = 2; width <= 30; ++width) {
+                    line.setID(int16_t(Kind::Finish + width % 4));
+                    line.Update(int16_t(angle), uint8_t(width));
+                    QImage picture;
+                    QPoint centre;
+                    if (exported) {
+                        // Only the rows around the line: the scale follows the width.
+                        picture = QImage(10 * percent, 2 * percent, QImage::Format_ARGB32_Premultiplied);
+                        QVERIFY(RenderLayoutPicture(ExportScene(*doc), picture));
+                        centre = QPoint(5 * percent, percent);
+                    } else {
+                        ViewGeometry view;
+                        picture = paintView(*doc, view, float(percent) / 100.0f);
+                        centre = inView(view, 500, 100);
+                    }
+                    // 22.8 picture pixels per unit of width, four to a layout unit.
+                    const double half = width * 22.8 * percent / 400.0 / 2.0;
+                    const double a = qDegreesToRadians(double(angle));
+                    for (double along = std::min(0.0, 1 - half); along <= std::max(0.0, half - 1);
+                         along += 1.0) {
+                        const QPoint at =
+                            centre + QPoint(qRound(along * std::cos(a)), qRound(-along * std::sin(a)));
+                        QVERIFY2(colourNear(picture, at, 2, ground, 2, true),
+                                 qPrintable(QStringLiteral(
+                                                "width %1 turned %2 at %3%: nothing %4 px from the middle")
+                                                .arg(width)
+                                                .arg(angle)
+                                                .arg(percent)
+                                                .arg(along)));
+                    }
+                }
+    }
+
+    // The view outlines the selection and marks selected objects too small to see lit;
+    // an export of the same document shows neither.
+    void selectionMarks_data()
+    {
+        QTest::addColumn<float>("zoom");
+        QTest::addColumn<bool>("marker");
+        QTest::newRow("zoom 1: the cone is large enough") << 1.0f << false;
+        QTest::newRow("zoom 0.25: the cone gets a marker") << 0.25f << true;
+    }
+    void selectionMarks()
+    {
+        QFETCH(float, zoom);
+        QFETCH(bool, marker);
+        auto doc = m_fx.document(QStringLiteral("AU1_selection.lyt"));
+        addObject(*doc, Kind::Finish, 300, 300, 0, 10, true);
+        addObject(*doc, 27, 500, 400, 0, 0, true);
+        addObject(*doc, Kind::Checkpoint1, 700, 500, 0, 10, true);
+        addObject(*doc, 27, 850, 150); // not selected, outside the selection
+        ViewGeometry view;
+        const QImage picture = paintView(*doc, view, zoom);
+        QRect outline;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                if (colourNear(picture, {x, y}, 0, SelectionColour, 24))
+                    outline |= QRect(x, y, 1, 1);
+        // Around both lines whole (57 units long), clear of the unselected cone.
+        const int reach = qRound(57 / 2 * zoom);
+        QVERIFY(outline.contains(
+            QRect(inView(view, 300, 300) - QPoint(reach, 0), inView(view, 700, 500) + QPoint(reach, 0))));
+        QVERIFY(!outline.contains(inView(view, 850, 150)));
+        QCOMPARE(colourNear(picture, inView(view, 500, 400), 4, SelectionColour, 24), marker);
+
+        QImage exported(500, 400, QImage::Format_ARGB32_Premultiplied);
+        QVERIFY(RenderLayoutPicture(ExportScene(*doc), exported));
+        QVERIFY(!colourNear(exported, {250, 200}, 250, SelectionColour, 24));
     }
 };
 

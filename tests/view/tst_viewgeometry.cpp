@@ -62,8 +62,6 @@ private slots:
     {
         QTest::addColumn<float>("zoom");
         QTest::newRow("1") << 1.0f;
-        QTest::newRow("1.5") << 1.5f;
-        QTest::newRow("2") << 2.0f;
         QTest::newRow("3.3") << 3.3f;
         QTest::newRow("8") << 8.0f;
     }

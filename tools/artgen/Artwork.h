@@ -140,7 +140,7 @@ QImage drawCarPark();   // BL3
 
 QImage drawPlaceholder();
 // Toolbar pictures, 24 x 24, index 0 .. kToolbarIcons - 1.
-constexpr int kToolbarIcons = 14;
+constexpr int kToolbarIcons = 16;
 QImage drawToolbarIcon(int index);
 QImage drawAppIcon(int size);
 

@@ -289,6 +289,26 @@ QImage drawToolbarIcon(int index)
             p.scale(-1, 1);
             undoArrow(p);
             break;
+        case 14: { // Select tool: the arrow pointer
+            p.setPen(inkPen(1.2));
+            p.setBrush(kPaper);
+            p.drawPolygon(
+                QPolygonF{{6, 2.5}, {6, 19}, {10, 15.2}, {13, 21.5}, {16, 20}, {13, 13.8}, {18.5, 13.8}});
+            break;
+        }
+        case 15: { // Zoom tool: a magnifier over a dashed frame
+            QPen dash = inkPen(1.2, kBlue);
+            dash.setDashPattern({2, 1.5});
+            p.setPen(dash);
+            p.setBrush(Qt::NoBrush);
+            p.drawRect(QRectF(1.5, 1.5, 17, 17));
+            p.setPen(inkPen(3.0));
+            p.drawLine(QPointF(17, 17), QPointF(21.5, 21.5));
+            p.setPen(inkPen(2.0));
+            p.setBrush(kLightBlue);
+            p.drawEllipse(QPointF(12.5, 12.5), 6, 6);
+            break;
+        }
         default:
             break;
         }

@@ -1,10 +1,12 @@
 #include "app/ui/Application.h"
 
+#include "app/AppFolder.h"
 #include "app/Config.h"
 #include "app/ErrorLog.h"
 #include "app/Startup.h"
 #include "app/ui/QtDialogs.h"
 #include "app/ui/frmMDI.h"
+#include "app/ui/frmOptions.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/cBitmap.h"
 #include "imaging/cGDIP.h"
@@ -14,7 +16,6 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QMessageBox>
-#include <QTimer>
 #include <cstdio>
 #include <memory>
 
@@ -68,6 +69,16 @@ QString CommandLinePath(const QStringList &arguments)
 #endif
 }
 
+frmOptions *ShowFirstRunOptions(frmMDI &mdi)
+{
+    if (QFileInfo::exists(ConfigPath()))
+        return nullptr;
+    // Modeless, so that a layout can be looked at while the settings are chosen.
+    frmOptions *dialog = OpenOptions(&mdi, [&mdi] { return mdi.recentFiles().items(); });
+    QObject::connect(dialog, &frmOptions::optionsSaved, &mdi, &frmMDI::OptionsSaved);
+    return dialog;
+}
+
 int VarnoMain(int argc, char *argv[])
 {
     if (!haveDisplay()) {
@@ -85,7 +96,7 @@ int VarnoMain(int argc, char *argv[])
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/varno.png")));
 
     // The application folder, and the dialogs every part of the program reports through.
-    SetAppPath(QApplication::applicationDirPath());
+    SetAppPath(ApplicationFolder(QApplication::applicationDirPath()));
     QtDialogs qtDialogs;
     setDialogs(&qtDialogs);
 
@@ -124,8 +135,7 @@ int VarnoMain(int argc, char *argv[])
         mainWindow().LayoutAdd(path);
 
     // A first run (no Varno.cfg yet) ends with the options, so the user can set things up.
-    if (!QFileInfo::exists(ConfigPath()))
-        QTimer::singleShot(0, mdi.get(), [&] { mainWindow().ShowOptions(); });
+    ShowFirstRunOptions(mainWindow());
 
     const int rc = QApplication::exec();
     setDialogs(nullptr);

@@ -2,6 +2,9 @@
 
 #include <QStringList>
 
+class frmMDI;
+class frmOptions;
+
 // The editor's entry point: start-up in its fixed order, then the event loop.
 int VarnoMain(int argc, char *argv[]);
 
@@ -11,3 +14,7 @@ int VarnoMain(int argc, char *argv[]);
 QString CommandLinePath(const QStringList &arguments);
 // The same for a raw Windows command line: what follows the program name (quoted or not).
 QString WindowsCommandLinePath(const QString &commandLine);
+
+// On a first run (no Varno.cfg yet) the options dialog, shown without blocking the main
+// window and freed when it closes; nullptr when Varno.cfg exists.
+frmOptions *ShowFirstRunOptions(frmMDI &mdi);

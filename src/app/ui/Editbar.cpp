@@ -11,6 +11,7 @@
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalBlocker>
@@ -92,6 +93,9 @@ Editbar::Editbar(QWidget *parent) : QWidget(parent)
     connect(m_udbWidth, &QSpinBox::valueChanged, this,
             [this](int v) { emit WidthChanged(static_cast<int16_t>(v)); });
 
+    for (QSpinBox *box : {m_udbAngle, m_udbWidth})
+        box->installEventFilter(this);
+
     const QIcon rotateIcons[3] = {EditbarIcons::rotate(false), EditbarIcons::rotate(true),
                                   EditbarIcons::rotateHalf()};
     for (int i = 0; i < 3; ++i) {
@@ -148,6 +152,24 @@ Editbar::Editbar(QWidget *parent) : QWidget(parent)
 QSize Editbar::sizeHint() const
 {
     return {200, QWidget::sizeHint().height()};
+}
+
+bool Editbar::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress && (watched == m_udbAngle || watched == m_udbWidth)) {
+        auto *box = static_cast<QSpinBox *>(watched);
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) {
+            // Enter keeps what was typed, Escape shows the value again untouched.
+            if (key == Qt::Key_Escape)
+                box->setValue(box->value());
+            else
+                box->interpretText();
+            emit EditDone();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 RotateButton *Editbar::cmdRotate(int index) const

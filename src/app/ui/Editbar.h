@@ -44,12 +44,17 @@ public:
 
     QSize sizeHint() const override;
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 signals:
     void ChangeClicked();
     void PackClicked();
     void FlipClicked(int16_t index);
     void AngleChanged(int16_t angle);
     void WidthChanged(int16_t width);
+    // Enter or Escape in a value box: the typing is over (kept or dropped).
+    void EditDone();
 
 private:
     void setTexts();

@@ -2,14 +2,26 @@
 
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 
 namespace {
+// Qt starts a dialog whose folder does not exist in whatever folder the last dialog
+// showed, so after "Add to pack" a layout's Save As opened in packs/. A remembered save
+// folder often is no folder (it keeps as many characters as the file name had), so the
+// dialog starts in the nearest folder that exists on the way up instead.
 QString startPath(const FileDialogRequest &r)
 {
+    QString folder = r.initialDir;
+    if (!folder.isEmpty()) {
+        QFileInfo info(QDir::cleanPath(QDir::fromNativeSeparators(folder)));
+        while (!info.isDir() && !info.isRoot() && info.absolutePath() != info.absoluteFilePath())
+            info.setFile(info.absolutePath());
+        folder = info.isDir() ? info.absoluteFilePath() : QDir::homePath();
+    }
     if (r.fileName.isEmpty())
-        return r.initialDir;
-    return QDir(r.initialDir).filePath(r.fileName);
+        return folder;
+    return QDir(folder).filePath(r.fileName);
 }
 
 void configure(QFileDialog &dlg, const FileDialogRequest &r)

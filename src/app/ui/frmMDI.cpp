@@ -18,6 +18,7 @@
 #include <QKeySequence>
 #include <QLabel>
 #include <QMenu>
+#include <QMenuBar>
 #include <QSpinBox>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -25,7 +26,6 @@
 #include <QTabWidget>
 #include <QToolBar>
 #include <QToolButton>
-#include <functional>
 
 namespace {
 // How long a message stays in the first panel.
@@ -70,30 +70,10 @@ frmMDI::frmMDI(QWidget *parent) : QMainWindow(parent)
     });
 
     buildToolbar();
+    buildMenus();
     buildStatusbar();
     buildDocks();
     setCaptions();
-
-    // The usual file keys; none of them is in a document's own key table.
-    const struct {
-        QKeySequence keys;
-        std::function<void()> run;
-    } fileKeys[] = {{QKeySequence(Qt::CTRL | Qt::Key_S), [this] { SaveCommand(0); }},
-                    {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), [this] { SaveCommand(1); }},
-                    {QKeySequence(Qt::CTRL | Qt::Key_O), [this] { OpenLayout(); }}};
-    for (const auto &k : fileKeys) {
-        auto *a = new QAction(this);
-        a->setShortcut(k.keys);
-        a->setShortcutContext(Qt::WindowShortcut);
-        connect(a, &QAction::triggered, this, k.run);
-        addAction(a);
-    }
-
-    auto *quit = new QAction(this);
-    quit->setShortcut(QKeySequence::Quit);
-    quit->setShortcutContext(Qt::ApplicationShortcut);
-    connect(quit, &QAction::triggered, this, &QWidget::close);
-    addAction(quit);
 
     setCurrent(nullptr);
 }
@@ -148,9 +128,21 @@ void frmMDI::buildToolbar()
             m_buttons.append(bar->addSeparator());
             continue;
         }
+        const int number = i + 1;
+        // The select and zoom tools stand with measure and line: the checked one of the
+        // four is the tool in use.
+        if (number == 12) {
+            m_toolSelect =
+                bar->addAction(toolbarIcon(14), QString(), this, [this] { ChooseTool(ToolSelect); });
+            m_toolZoom = bar->addAction(toolbarIcon(15), QString(), this, [this] { ChooseTool(ToolZoom); });
+            for (QAction *a : {m_toolSelect, m_toolZoom}) {
+                a->setCheckable(true);
+                if (auto *tb = qobject_cast<QToolButton *>(bar->widgetForAction(a)))
+                    tb->setToolButtonStyle(Qt::ToolButtonIconOnly);
+            }
+        }
         auto *action = new QAction(toolbarIcon(b.image), QString(), this);
         action->setCheckable(b.check);
-        const int number = i + 1;
         connect(action, &QAction::triggered, this, [this, number] { ToolbarClick(number); });
         if (b.menu) {
             auto *tb = new QToolButton(bar);
@@ -191,6 +183,82 @@ void frmMDI::buildToolbar()
         if (m_current)
             m_current->setLaps(uint8_t(v));
     });
+}
+
+// The menu bar holds the toolbar's own actions (so checks and enabled states agree) and
+// shows their shortcuts. A shortcut that is also in a document's key table only acts
+// while the keyboard is elsewhere: the layout claims its keys first.
+void frmMDI::buildMenus()
+{
+    const auto keyed = [](QAction *a, const QList<QKeySequence> &keys) {
+        a->setShortcuts(keys);
+        return a;
+    };
+    const QList<QAction *> saves = m_saveMenu->actions();
+    const QList<QAction *> zooms = m_zoomMenu->actions();
+    m_quit = new QAction(this);
+    m_quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    m_quit->setShortcutContext(Qt::ApplicationShortcut);
+    connect(m_quit, &QAction::triggered, this, &QWidget::close);
+
+    QMenuBar *bar = menuBar();
+    for (QMenu *&m : m_menus)
+        m = bar->addMenu(QString());
+    QMenu *file = m_menus[0];
+    file->addMenu(m_newMenu);
+    file->addAction(keyed(toolAction(2), {QKeySequence(Qt::CTRL | Qt::Key_O)}));
+    file->addMenu(m_openMenu);
+    file->addSeparator();
+    file->addAction(keyed(saves[0], {QKeySequence(Qt::CTRL | Qt::Key_S)}));
+    file->addAction(keyed(saves[1], {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)}));
+    file->addAction(saves[2]);
+    file->addSeparator();
+    file->addAction(toolAction(4));
+    file->addSeparator();
+    file->addAction(m_quit);
+
+    // Edit: undo and redo, then the document's own clipboard keys, sent to it as if typed.
+    QMenu *edit = m_menus[1];
+    edit->addAction(keyed(m_undo, {QKeySequence(Qt::ALT | Qt::Key_Backspace)}));
+    edit->addAction(
+        keyed(m_redo, {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)}));
+    edit->addSeparator();
+    const struct {
+        int code;
+        QKeySequence keys;
+    } editKeys[] = {{65, QKeySequence(Qt::CTRL | Qt::Key_A)}, {67, QKeySequence(Qt::CTRL | Qt::Key_C)},
+                    {86, QKeySequence(Qt::CTRL | Qt::Key_V)}, {68, QKeySequence(Qt::CTRL | Qt::Key_D)},
+                    {46, QKeySequence(Qt::Key_Delete)}};
+    for (const auto &k : editKeys) {
+        QAction *a = edit->addAction(QString());
+        a->setShortcut(k.keys);
+        const int code = k.code;
+        connect(a, &QAction::triggered, this, [this, code] {
+            if (m_current)
+                m_current->KeyDown(code, code == 46 ? 0 : 2);
+        });
+        m_editCommands << a;
+    }
+
+    QMenu *view = m_menus[2];
+    view->addAction(keyed(toolAction(6), {QKeySequence(Qt::Key_Plus)}));
+    view->addAction(keyed(toolAction(7), {QKeySequence(Qt::Key_Minus)}));
+    view->addAction(keyed(zooms[0], {QKeySequence(Qt::CTRL | Qt::Key_W)}));
+    view->addAction(keyed(zooms[1], {QKeySequence(Qt::CTRL | Qt::Key_H)}));
+    view->addAction(zooms[2]);
+    view->addSeparator();
+    view->addAction(toolAction(9));
+    view->addAction(toolAction(10));
+
+    QMenu *tools = m_menus[3];
+    tools->addAction(m_toolSelect);
+    tools->addAction(keyed(m_toolZoom, {QKeySequence(Qt::CTRL | Qt::Key_Z)}));
+    tools->addAction(keyed(toolAction(12), {QKeySequence(Qt::CTRL | Qt::Key_M)}));
+    tools->addAction(keyed(toolAction(13), {QKeySequence(Qt::CTRL | Qt::Key_L)}));
+    tools->addSeparator();
+    tools->addAction(toolAction(15));
+
+    m_menus[4]->addAction(toolAction(16));
 }
 
 void frmMDI::buildStatusbar()
@@ -267,6 +335,12 @@ void frmMDI::buildDocks()
         if (m_current)
             m_current->ObjectRotate(angle);
     });
+    // A value typed and entered (or dropped with Escape) hands the keyboard back to the
+    // layout, so Delete and the other keys act on the objects again.
+    connect(m_editbar, &Editbar::EditDone, this, [this] {
+        if (m_current)
+            m_current->canvas()->setFocus(Qt::OtherFocusReason);
+    });
     connect(m_editbar, &Editbar::WidthChanged, this, [this](int16_t width) {
         if (m_current && width >= 0 && width <= 255)
             m_current->ObjectWidth(uint8_t(width));
@@ -295,15 +369,36 @@ void frmMDI::setCaptions()
                                    {9, Lang(70) + QStringLiteral(" +")},
                                    {10, Lang(70) + QStringLiteral(" -")},
                                    {16, Lang(51)}};
+    // Image-only buttons carry their text too, for the menus; tool tips name the keys.
+    const auto tip = [](QAction *a, const QString &text) {
+        const QString keys = a->shortcut().toString(QKeySequence::NativeText);
+        a->setToolTip(keys.isEmpty() ? text : text + QStringLiteral(" (") + keys + QStringLiteral(")"));
+    };
     for (int i = 0; i < m_buttons.size(); ++i) {
         const int number = i + 1;
-        if (texts.contains(number))
-            m_buttons[i]->setText(texts.value(number));
-        else if (tips.contains(number))
-            m_buttons[i]->setToolTip(tips.value(number));
+        const QString text = texts.value(number, tips.value(number));
+        if (!text.isEmpty()) {
+            m_buttons[i]->setText(text);
+            tip(m_buttons[i], QString(text).remove(QLatin1Char('&')));
+        }
     }
-    m_undo->setToolTip(Lang(34) + QStringLiteral(" (Alt+Backspace)"));
-    m_redo->setToolTip(Lang(35) + QStringLiteral(" (Ctrl+Y)"));
+    const QList<std::pair<QAction *, QString>> own{
+        {m_undo, Lang(34)}, {m_redo, Lang(35)}, {m_toolSelect, QStringLiteral("Select")},
+        {m_toolZoom, QStringLiteral("Zoom tool")}, {m_quit, QStringLiteral("Quit")}};
+    for (const auto &[action, text] : own) {
+        action->setText(text);
+        tip(action, text);
+    }
+    m_toolSelect->setToolTip(QStringLiteral("Select (Esc leaves any other tool)"));
+    static const char *const menuTitles[5] = {"&File", "&Edit", "&View", "&Tools", "&Help"};
+    for (int i = 0; i < 5; ++i)
+        m_menus[i]->setTitle(QLatin1String(menuTitles[i]));
+    m_newMenu->setTitle(Lang(30));
+    m_openMenu->setTitle(QStringLiteral("Open recent"));
+    static const char *const editTexts[5] = {"Select all", "Copy", "Paste at the pointer", "Duplicate",
+                                             "Delete"};
+    for (int i = 0; i < m_editCommands.size(); ++i)
+        m_editCommands[i]->setText(QLatin1String(editTexts[i]));
     m_lapsLabel->setText(Lang(65));
     m_welcome->setText(Lang(30) + QStringLiteral("  /  ") + Lang(31) + QStringLiteral("  (*.lyt)"));
     if (m_current)
@@ -313,6 +408,11 @@ void frmMDI::setCaptions()
 QAction *frmMDI::toolAction(int button) const
 {
     return button >= 1 && button <= m_buttons.size() ? m_buttons[button - 1] : nullptr;
+}
+
+QList<QAction *> frmMDI::toolButtons() const
+{
+    return {m_toolSelect, m_toolZoom, toolAction(12), toolAction(13)};
 }
 
 QString frmMDI::panelText(int panel) const

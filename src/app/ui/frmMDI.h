@@ -46,9 +46,13 @@ public:
     void ZoomCommand(int index);        // the Zoom pop-up, 0 .. 2
     // Toolbar button by its number (1 .. 16).
     void ToolbarClick(int button);
+    // The select or the zoom tool (the buttons and menu items beside measure and line).
+    void ChooseTool(int tool);
     // Closes one document, asking about unsaved changes; false when the user cancelled.
     bool CloseLayout(frmLayout *layout);
     void ShowOptions();
+    // After the options dialog saved: captions, palette and edit bar follow the new settings.
+    void OptionsSaved();
     void ShowAbout();
     void Undo();
     void Redo();
@@ -61,7 +65,9 @@ public:
     QString panelText(int panel) const; // 1 .. 7
     QMenu *newMenu() const { return m_newMenu; }
     QMenu *openMenu() const { return m_openMenu; }
-    QAction *toolAction(int button) const; // 12 or 13
+    QAction *toolAction(int button) const; // by button number, 1 .. 16
+    // The checked tool buttons: select, zoom, measure (12), object line (13).
+    QList<QAction *> toolButtons() const;
     bool ChangeMode() const { return m_changeMode; }
 
     // "###%": a factor of 1 is "100%".
@@ -74,6 +80,7 @@ protected:
 
 private:
     void buildToolbar();
+    void buildMenus();
     void buildStatusbar();
     void buildDocks();
     void setCaptions();
@@ -112,6 +119,11 @@ private:
     QMenu *m_saveMenu = nullptr;
     QMenu *m_zoomMenu = nullptr;
     QList<QAction *> m_buttons; // toolbar actions by button number - 1 (separators included)
+    QAction *m_toolSelect = nullptr;
+    QAction *m_toolZoom = nullptr;
+    QAction *m_quit = nullptr;
+    QList<QAction *> m_editCommands; // select all, copy, paste, duplicate, delete
+    QMenu *m_menus[5] = {};          // File, Edit, View, Tools, Help
     QAction *m_undo = nullptr;
     QAction *m_redo = nullptr;
     bool m_changeMode = false;

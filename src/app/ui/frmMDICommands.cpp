@@ -21,6 +21,7 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QLabel>
+#include <QMenu>
 #include <QMimeData>
 #include <QSpinBox>
 #include <QStackedWidget>
@@ -84,15 +85,23 @@ void frmMDI::setCurrent(frmLayout *layout)
     m_current = layout;
     const bool open = layout != nullptr;
     m_central->setCurrentIndex(m_tabs->count() > 0 ? 1 : 0);
+    QList<QAction *> needDocument = m_editCommands + m_saveMenu->actions() + m_zoomMenu->actions();
+    needDocument << m_toolSelect << m_toolZoom;
     for (int b : {3, 4, 6, 7, 9, 10, 12, 13})
-        if (QAction *a = toolAction(b))
-            a->setEnabled(open);
+        needDocument << toolAction(b);
+    for (QAction *a : needDocument)
+        a->setEnabled(open);
     m_laps->setEnabled(open);
     if (open) {
         connect(layout, &frmLayout::Message, this, &frmMDI::CurrentLayout_Message);
         connect(layout, &frmLayout::Updated, this, &frmMDI::CurrentLayout_Updated);
         connect(layout, &frmLayout::ObjectUpdated, this, &frmMDI::CurrentLayout_ObjectUpdated);
-        connect(layout, &frmLayout::ToolChanged, this, &frmMDI::refreshTools);
+        connect(layout, &frmLayout::ToolChanged, this, [this] {
+            // The old tool's hint goes with it (change mode keeps its own).
+            if (!m_changeMode)
+                m_panels[0]->clear();
+            refreshTools();
+        });
         connect(layout->undoStack(), &QUndoStack::canUndoChanged, this, [this](bool can) { m_undo->setEnabled(can); });
         connect(layout->undoStack(), &QUndoStack::canRedoChanged, this, [this](bool can) { m_redo->setEnabled(can); });
         setWindowTitle(QStringLiteral("Varno - ") + layout->LayoutName());
@@ -141,8 +150,17 @@ void frmMDI::refreshEditbar()
 void frmMDI::refreshTools()
 {
     const int tool = m_current ? m_current->Tool() : ToolSelect;
-    toolAction(12)->setChecked(tool == ToolMeasure);
-    toolAction(13)->setChecked(tool == ToolLine);
+    const int tools[4] = {ToolSelect, ToolZoom, ToolMeasure, ToolLine};
+    const QList<QAction *> buttons = toolButtons();
+    for (int i = 0; i < 4; ++i)
+        buttons[i]->setChecked(tool == tools[i]);
+}
+
+void frmMDI::ChooseTool(int tool)
+{
+    if (m_current)
+        m_current->setTool(tool);
+    refreshTools(); // a click on the tool in use must not uncheck it
 }
 
 // --- the document's events ---------------------------------------------------------
@@ -174,8 +192,11 @@ void frmMDI::CurrentLayout_Updated()
     m_panels[1]->setText(QStringLiteral(" ") + Lang(65) + QStringLiteral(": ") + QString::number(m_current->Laps()));
     m_panels[2]->setText(QStringLiteral(" ") + Lang(66) + QStringLiteral(": ") + QString::number(m_current->ObjectCount()));
     m_panels[3]->setText(QStringLiteral(" ") + Lang(67) + QStringLiteral(": ") + FormatPercent(m_current->Zoom()));
+    const int16_t objectZoom = m_current->ObjectZoom();
     m_panels[4]->setText(QStringLiteral(" ") + Lang(70) + QStringLiteral(": ")
-                         + FormatPercent(m_current->ObjectZoom() / 100.0));
+                         + FormatPercent(objectZoom / 100.0));
+    toolAction(9)->setEnabled(objectZoom < ViewGeometry::MaxObjectZoom);
+    toolAction(10)->setEnabled(objectZoom > ViewGeometry::MinObjectZoom);
 }
 
 void frmMDI::CurrentLayout_ObjectUpdated(bool, bool, bool, bool, bool)
@@ -207,13 +228,11 @@ void frmMDI::ToolbarClick(int button)
             }
             break;
         case 12:
-        case 13: {
-            const bool down = toolAction(button)->isChecked();
-            toolAction(button == 12 ? 13 : 12)->setChecked(false);
-            if (m_current)
-                m_current->setTool(down ? (button == 12 ? ToolMeasure : ToolLine) : ToolSelect);
+        case 13:
+            // A second press on the tool in use releases it, back to selecting.
+            ChooseTool(toolAction(button)->isChecked() ? (button == 12 ? ToolMeasure : ToolLine)
+                                                       : ToolSelect);
             break;
-        }
         case 15: ShowOptions(); break;
         case 16: ShowAbout(); break;
         default: break;
@@ -295,8 +314,12 @@ void frmMDI::Redo()
 
 void frmMDI::ShowOptions()
 {
-    if (!::ShowOptions(this, [this] { return m_recent.items(); }))
-        return;
+    if (::ShowOptions(this, [this] { return m_recent.items(); }))
+        OptionsSaved();
+}
+
+void frmMDI::OptionsSaved()
+{
     // A saved dialog may have changed the language: every caption is read again.
     guarded(QStringLiteral("frmMDI.ShowOptions"), [&] {
         setCaptions();

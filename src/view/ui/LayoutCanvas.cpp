@@ -17,6 +17,17 @@ LayoutCanvas::LayoutCanvas(frmLayout *owner) : QWidget(owner), m_owner(owner)
     setMinimumSize(64, 64);
 }
 
+bool LayoutCanvas::event(QEvent *event)
+{
+    // The document's own keys reach it even where a menu shows the same shortcut: the
+    // menu's copy then serves only when the keyboard is elsewhere, and no key acts twice.
+    if (event->type() == QEvent::ShortcutOverride && frmLayout::OwnsKey(static_cast<QKeyEvent *>(event))) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
 void LayoutCanvas::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);

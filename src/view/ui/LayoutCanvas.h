@@ -12,6 +12,7 @@ public:
     explicit LayoutCanvas(frmLayout *owner);
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;

@@ -19,11 +19,8 @@
 bool SaveImageWithProgress(const LayoutDocument &doc, const QString &fileName, int width, int height, int quality,
                            QWidget *parent)
 {
-    // A selected object keeps its highlighted picture in a cache made on first use; make
-    // it here, so that the drawing thread and the window's own painting never race for it.
-    for (const varnoObject &o : doc.Objects())
-        if (o.Selected())
-            o.highlightedImage();
+    // Copied here, on the window's thread: the window may repaint while the worker draws.
+    const ExportScene scene(doc);
 
     std::atomic<int> permille{0};
     std::atomic<bool> cancelled{false};
@@ -39,7 +36,7 @@ bool SaveImageWithProgress(const LayoutDocument &doc, const QString &fileName, i
     QObject::connect(&progress, &QProgressDialog::canceled, [&] { cancelled = true; });
 
     std::unique_ptr<QThread> worker(QThread::create([&] {
-        result = RenderLayoutImage(doc, fileName, width, height, quality, [&](double fraction) {
+        result = RenderLayoutImage(scene, fileName, width, height, quality, [&](double fraction) {
             permille = int(fraction * 1000.0);
             return !cancelled.load();
         });

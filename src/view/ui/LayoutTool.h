@@ -101,7 +101,8 @@ private:
     bool m_measured = false;
 };
 
-// With one object selected, press and drag to lay a row of copies of it.
+// With one object selected, press and drag to lay a row of copies of it. A press on the
+// object itself starts the row there; the object counts as its first member.
 class LineTool : public LayoutTool {
 public:
     explicit LineTool(frmLayout &layout);
@@ -115,9 +116,15 @@ public:
     bool busy() const override { return m_dragging; }
     // Layout positions of the copies from a to b (layout units) at the spacing.
     static QList<QPoint> linePoints(const QPoint &a, const QPoint &b, int spacing);
+    // "spacing 20 (3.5m)": the document's line spacing in layout units and metres.
+    static QString spacingText(const frmLayout &layout);
 
 private:
+    // The copies along the line, without the one that would land on the source.
+    void rebuild();
+
     QString m_sourceKey;
+    QPoint m_source;                          // layout units
     std::unique_ptr<varnoObject> m_prototype; // drawn ghosted along the line
     bool m_dragging = false;
     QPoint m_from;      // layout units

@@ -6,6 +6,7 @@
 #include "core/Runtime.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/cGraphics.h"
+#include "view/HitTest.h"
 #include "view/ui/LayoutTool.h"
 #include "view/ui/frmLayout.h"
 
@@ -30,6 +31,14 @@ QPointF toViewF(const ViewGeometry &v, const QPointF &p)
 {
     return QPointF(v.Zoom() * (p.x() - v.ScrollX() - 1) + v.ViewOffsetX(),
                    v.Zoom() * (p.y() - v.ScrollY() - 1) + v.ViewOffsetY());
+}
+
+// Metres for a length in layout units; a background of another resolution than the
+// standard one is scaled back first.
+double metres(const LayoutDocument &doc, double units)
+{
+    const float scale = doc.BackgroundScale();
+    return units / (scale > 0 ? scale : 1.0f) / UnitsPerMetre;
 }
 
 QPointF constrainF(const QPointF &from, const QPointF &to)
@@ -119,11 +128,7 @@ void ZoomTool::paintOverlay(QPainter &p)
 
 double MeasureTool::distance(const QPointF &a, const QPointF &b) const
 {
-    // Layout units are background pixels; a picture of another resolution than the
-    // standard one is scaled back first.
-    const float scale = m_layout.document().BackgroundScale();
-    const double units = std::hypot(b.x() - a.x(), b.y() - a.y());
-    return units / (scale > 0 ? scale : 1.0f) / UnitsPerMetre;
+    return metres(m_layout.document(), std::hypot(b.x() - a.x(), b.y() - a.y()));
 }
 
 void MeasureTool::press(const ToolEvent &e)
@@ -207,11 +212,20 @@ QList<QPoint> LineTool::linePoints(const QPoint &a, const QPoint &b, int spacing
     return points;
 }
 
+QString LineTool::spacingText(const frmLayout &layout)
+{
+    const int spacing = layout.LineSpacing();
+    return QStringLiteral("spacing %1 (%2m)").arg(spacing).arg(metres(layout.document(), spacing), 0, 'f', 1);
+}
+
 QString LineTool::hint() const
 {
     if (m_dragging)
-        return Lang(153);
-    return m_layout.document().Selection().size() == 1 ? Lang(151) : Lang(152);
+        return Lang(153) + QStringLiteral(" \u2014 ") + spacingText(m_layout) + QStringLiteral(", copies: ")
+               + QString::number(m_points.size());
+    if (m_layout.document().Selection().size() != 1)
+        return Lang(152);
+    return Lang(151) + QStringLiteral(" \u2014 ") + spacingText(m_layout);
 }
 
 void LineTool::cancel()
@@ -219,6 +233,16 @@ void LineTool::cancel()
     m_dragging = false;
     m_points.clear();
     m_prototype.reset();
+}
+
+void LineTool::rebuild()
+{
+    const int spacing = std::max(1, int(m_layout.LineSpacing()));
+    m_points = linePoints(m_from, m_to, spacing);
+    // The source stands in its own slot of the row: no copy on top of it.
+    m_points.removeIf([&](const QPoint &p) {
+        return std::hypot(p.x() - m_source.x(), p.y() - m_source.y()) < spacing / 2.0;
+    });
 }
 
 void LineTool::press(const ToolEvent &e)
@@ -240,12 +264,15 @@ void LineTool::press(const ToolEvent &e)
     }
     const varnoObject &source = doc.Objects().Item(doc.Selection().first().strKey);
     m_sourceKey = source.Key();
+    m_source = QPoint(source.X(), source.Y());
     m_prototype = CreateObjectForKind(source.ID());
     m_prototype->setID(source.ID());
     m_prototype->Update(source.Angle(), source.Width());
-    m_from = m_to = QPoint(x, y);
-    m_points = linePoints(m_from, m_to, m_layout.LineSpacing());
+    const bool onSource = ObjectAtPoint(doc, m_layout.view(), e.pos.x(), e.pos.y()) == m_sourceKey;
+    m_from = m_to = onSource ? m_source : QPoint(x, y);
     m_dragging = true;
+    rebuild();
+    m_layout.hint(hint());
 }
 
 void LineTool::move(const ToolEvent &e)
@@ -256,7 +283,7 @@ void LineTool::move(const ToolEvent &e)
     m_layout.view().viewToLayout(x, y);
     const QPoint at(x, y);
     m_to = (e.modifiers & Qt::ControlModifier) ? ConstrainTo15(m_from, at) : at;
-    m_points = linePoints(m_from, m_to, m_layout.LineSpacing());
+    rebuild();
     m_layout.Draw();
 }
 
@@ -308,4 +335,13 @@ void LineTool::paintOverlay(QPainter &p)
         m_prototype->Draw(int(std::lround(at.x())), int(std::lround(at.y())), graphics, v.ObjectScale(),
                           &ghostAttributes());
     }
+    // A ring at every copy: at a small zoom the ghosts are a pixel or two, and the user
+    // should still see where each copy will land.
+    p.save();
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(QPen(QColor(255, 255, 255, 200), 1));
+    p.setBrush(Qt::NoBrush);
+    for (const QPoint &pt : m_points)
+        p.drawEllipse(toViewF(v, pt), 3, 3);
+    p.restore();
 }

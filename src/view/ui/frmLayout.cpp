@@ -17,6 +17,7 @@
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QPainter>
+#include <QScopeGuard>
 #include <QScrollBar>
 #include <cmath>
 
@@ -40,6 +41,7 @@ frmLayout::frmLayout(QWidget *parent) : QWidget(parent)
         Draw();
     });
     connect(m_bars, &cScrollbars::ModMouseScroll, this, [this](bool up, int keyCode) {
+        m_fitPending = false;
         guarded(QStringLiteral("frmLayout.Scrollbars_ModMouseScroll"), [&] { m_view.modMouseScroll(up, keyCode); });
     });
 
@@ -62,9 +64,10 @@ frmLayout::frmLayout(QWidget *parent) : QWidget(parent)
     // Unsaved changes are whatever lies between the saved point and the present one,
     // so undoing back to the save clears the mark and undoing past it sets it again.
     connect(&m_undo, &QUndoStack::indexChanged, this, [this] {
-        m_doc.setEdited(!m_undo.isClean());
+        syncEdited();
         emit Updated();
     });
+    connect(&m_undo, &QUndoStack::cleanChanged, this, [this] { syncEdited(); });
 
     m_select = std::make_unique<SelectTool>(*this);
     m_zoomTool = std::make_unique<ZoomTool>(*this);
@@ -88,15 +91,16 @@ QWidget *frmLayout::canvas() const
 bool frmLayout::Initilize(const QString &FileName)
 {
     m_doc.setFileName(FileName);
-    if (!m_doc.LayoutLoadBG())
-        return false;
+    // A missing background or an unknown type has been told to the user; the document
+    // still opens, without bounds, so nothing can be placed until a picture is there.
+    m_doc.LayoutLoadBG();
     const lyt::TypeInfo *type = lyt::typeInfo(m_doc.LayoutType());
     m_view.setBackground(m_doc.BoundsWidth(), m_doc.BoundsHeight(), type ? int32_t(type->span) : 0);
     if (QFileInfo::exists(FileName) && !m_doc.LayoutOpen())
         return false;
     m_undo.clear();
     m_undo.setClean();
-    m_doc.setEdited(false);
+    syncEdited();
     m_fitPending = true;
     if (m_canvas->width() > 0 && m_canvas->height() > 0)
         canvasResized(m_canvas->width(), m_canvas->height());
@@ -124,10 +128,11 @@ void frmLayout::setTool(int tool)
         t->cancel();
     m_tool = tool;
     m_canvas->setCursor(tool == ToolSelect ? Qt::ArrowCursor : Qt::CrossCursor);
+    // The listeners drop the old tool's hint first; the new tool then says its own.
+    emit ToolChanged(tool);
     if (LayoutTool *t = activeTool())
         hint(t->hint());
     Draw();
-    emit ToolChanged(tool);
 }
 
 LayoutTool *frmLayout::activeTool() const
@@ -168,8 +173,16 @@ void frmLayout::record(const QString &text, int mergeKey, const std::function<vo
 {
     if (mergeKey == 0)
         breakMerge();
+    // An operation that changed nothing pushes no step, yet may have marked the
+    // document; the undo stack alone says whether it differs from the file.
+    const auto sync = qScopeGuard([this] { syncEdited(); });
     RecordEdit(m_undo, m_doc, text, mergeKey, fn, [this] { onRestored(); });
     Draw();
+}
+
+void frmLayout::syncEdited()
+{
+    m_doc.setEdited(!m_undo.isClean());
 }
 
 int frmLayout::mergeKeyFor(int kind)
@@ -386,7 +399,9 @@ void frmLayout::applyFirstFit()
 
 bool frmLayout::QueryClose()
 {
-    if (!(m_undo.canUndo() && m_doc.Edited()))
+    // Steps that can be redone are history too: save, then undo, and the document
+    // differs from the file again.
+    if (m_undo.count() == 0 || !m_doc.Edited())
         return true;
     const MsgResult answer = dialogs().message(Lang(169), m_doc.LayoutName(), MsgIcon::Question, MsgButtons::YesNoCancel);
     if (answer == MsgResult::Cancel)

@@ -17,6 +17,7 @@
 class LayoutCanvas;
 class LayoutTool;
 class cScrollbars;
+class QKeyEvent;
 class QScrollBar;
 
 // Tool values: the plain selection tool and the three the keyboard and toolbar choose.
@@ -108,6 +109,9 @@ public:
     void PointerMove(Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers, const QPointF &viewPos);
     // Key-down handler with the key code and modifier state (1 Shift, 2 Ctrl, 4 Alt).
     void KeyDown(int keyCode, int shift);
+    // True for a key the table above acts on; such a key is the document's own, and no
+    // menu shortcut may take it while the layout has the keyboard.
+    static bool OwnsKey(const QKeyEvent *event);
     // Scrolls the view to a layout point at the middle of the window.
     void centreOn(int32_t x, int32_t y);
     void scrollBy(int32_t dx, int32_t dy);
@@ -130,6 +134,8 @@ private:
     void canvasResized(int width, int height);
     void mouseEvent(QMouseEvent *event);
     void onRestored();
+    // The document is edited exactly when the undo stack is away from its saved point.
+    void syncEdited();
     // Keeps a view point as the last pointer position, in layout units.
     void setPointerAt(const QPointF &viewPos);
     // Puts the palette preview under a view point.

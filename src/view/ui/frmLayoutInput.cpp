@@ -52,6 +52,46 @@ int shiftStateOf(Qt::KeyboardModifiers m)
 
 enum MergeKinds { MergeNudge = 4 };
 
+enum class KeyCommand {
+    None, SelectAll, Copy, Paste, Delete, Duplicate, FitHeight, FitWidth, ZoomTool, LineTool, MeasureTool,
+    ZoomIn, ZoomOut, Narrower, Wider, Undo, Redo, Nudge, Escape
+};
+
+// The document's key table: a key code and the modifier states it answers to, one bit
+// per state (state 2 is Ctrl alone, so Ctrl+Shift+A is not select-all).
+constexpr unsigned state(int shift) { return 1u << shift; }
+constexpr unsigned AnyState = 0xFF;
+constexpr unsigned CtrlOnly = state(2);
+
+struct KeyBinding {
+    int code;
+    unsigned states;
+    KeyCommand command;
+};
+
+constexpr KeyBinding KeyTable[] = {
+    {65, CtrlOnly, KeyCommand::SelectAll},   {67, CtrlOnly, KeyCommand::Copy},
+    {86, CtrlOnly, KeyCommand::Paste},       {46, AnyState, KeyCommand::Delete},
+    {68, CtrlOnly, KeyCommand::Duplicate},   {72, CtrlOnly, KeyCommand::FitHeight},
+    {87, CtrlOnly, KeyCommand::FitWidth},    {90, CtrlOnly, KeyCommand::ZoomTool},
+    {76, CtrlOnly, KeyCommand::LineTool},    {77, CtrlOnly, KeyCommand::MeasureTool},
+    {107, AnyState, KeyCommand::ZoomIn},     {187, AnyState, KeyCommand::ZoomIn},
+    {109, AnyState, KeyCommand::ZoomOut},    {189, AnyState, KeyCommand::ZoomOut},
+    {188, AnyState, KeyCommand::Narrower},   {190, AnyState, KeyCommand::Wider},
+    {8, state(4), KeyCommand::Undo},         {89, CtrlOnly, KeyCommand::Redo},
+    {90, state(3), KeyCommand::Redo},        {27, AnyState, KeyCommand::Escape},
+    {37, state(0) | state(1), KeyCommand::Nudge}, {38, state(0) | state(1), KeyCommand::Nudge},
+    {39, state(0) | state(1), KeyCommand::Nudge}, {40, state(0) | state(1), KeyCommand::Nudge},
+};
+
+KeyCommand commandFor(int keyCode, int shift)
+{
+    for (const KeyBinding &b : KeyTable)
+        if (b.code == keyCode && (b.states & state(shift & 7)))
+            return b.command;
+    return KeyCommand::None;
+}
+
 } // namespace
 
 void frmLayout::keyPressEvent(QKeyEvent *event)
@@ -65,44 +105,39 @@ void frmLayout::keyPressEvent(QKeyEvent *event)
     event->accept();
 }
 
+bool frmLayout::OwnsKey(const QKeyEvent *event)
+{
+    return commandFor(keyCodeOf(event), shiftStateOf(event->modifiers())) != KeyCommand::None;
+}
+
 void frmLayout::KeyDown(int keyCode, int shift)
 {
-    const bool ctrl = shift == 2;
     guarded(QStringLiteral("frmLayout.Form_KeyDown"), [&] {
-        if (keyCode == 65 && ctrl) {
+        switch (commandFor(keyCode, shift)) {
+        case KeyCommand::SelectAll:
             m_doc.SelectAll(true);
             Draw();
-        } else if (keyCode == 67 && ctrl) {
-            CopySelection(m_doc, objectClipboard());
-        } else if (keyCode == 86 && ctrl) {
+            break;
+        case KeyCommand::Copy: CopySelection(m_doc, objectClipboard()); break;
+        case KeyCommand::Paste:
             record(QStringLiteral("Paste"), 0, [&] { PasteClipboard(m_doc, objectClipboard(), m_pointerX, m_pointerY); });
-        } else if (keyCode == 46) {
-            record(QStringLiteral("Delete"), 0, [&] { DeleteSelection(m_doc); });
-        } else if (keyCode == 68 && ctrl) {
+            break;
+        case KeyCommand::Delete: record(QStringLiteral("Delete"), 0, [&] { DeleteSelection(m_doc); }); break;
+        case KeyCommand::Duplicate:
             record(QStringLiteral("Duplicate"), 0, [&] { DuplicateSelection(m_doc, m_pointerX, m_pointerY); });
-        } else if (keyCode == 72 && ctrl) {
-            setZoom(72);
-        } else if (keyCode == 87 && ctrl) {
-            setZoom(87);
-        } else if (keyCode == 90 && ctrl) {
-            setTool(ToolZoom);
-        } else if (keyCode == 76 && ctrl) {
-            setTool(ToolLine);
-        } else if (keyCode == 77 && ctrl) {
-            setTool(ToolMeasure);
-        } else if (keyCode == 107 || keyCode == 187) {
-            setZoom(float(double(Zoom()) + double(Zoom())));
-        } else if (keyCode == 109 || keyCode == 189) {
-            setZoom(Zoom() / 2);
-        } else if (keyCode == 188) {
-            m_lineSpacing = rt::sub16(m_lineSpacing, 1);
-        } else if (keyCode == 190) {
-            m_lineSpacing = rt::add16(m_lineSpacing, 1);
-        } else if (keyCode == 8 && shift == 4) {
-            Undo();
-        } else if ((keyCode == 89 && ctrl) || (keyCode == 90 && shift == 3)) {
-            Redo();
-        } else if (keyCode >= 37 && keyCode <= 40 && (shift & ~1) == 0) {
+            break;
+        case KeyCommand::FitHeight: setZoom(72); break;
+        case KeyCommand::FitWidth: setZoom(87); break;
+        case KeyCommand::ZoomTool: setTool(ToolZoom); break;
+        case KeyCommand::LineTool: setTool(ToolLine); break;
+        case KeyCommand::MeasureTool: setTool(ToolMeasure); break;
+        case KeyCommand::ZoomIn: setZoom(float(double(Zoom()) + double(Zoom()))); break;
+        case KeyCommand::ZoomOut: setZoom(Zoom() / 2); break;
+        case KeyCommand::Narrower: m_lineSpacing = rt::sub16(m_lineSpacing, 1); break;
+        case KeyCommand::Wider: m_lineSpacing = rt::add16(m_lineSpacing, 1); break;
+        case KeyCommand::Undo: Undo(); break;
+        case KeyCommand::Redo: Redo(); break;
+        case KeyCommand::Nudge: {
             const int step = (shift & 1) ? 10 : 1;
             const int dx = keyCode == 37 ? -step : keyCode == 39 ? step : 0;
             const int dy = keyCode == 38 ? -step : keyCode == 40 ? step : 0;
@@ -112,12 +147,21 @@ void frmLayout::KeyDown(int keyCode, int shift)
                     m_doc.RaiseUpdates();
                 });
             }
-        } else if (keyCode == 27) {
+            break;
+        }
+        case KeyCommand::Escape:
+            // One step back per press: the gesture in progress, then the selection, then
+            // the tool itself, so a tool is never a trap.
             if (LayoutTool *t = activeTool(); t && t->busy())
                 t->cancel();
-            else if (!m_doc.Selection().isEmpty())
+            else if (!m_doc.Selection().isEmpty()) {
                 m_doc.SelectAll(false);
+                hint(activeTool()->hint()); // the object line asks for an object again
+            } else
+                setTool(ToolSelect);
             Draw();
+            break;
+        case KeyCommand::None: break;
         }
         // The spacing keys replay a pointer move at the last position, so a line being
         // laid is rebuilt at once with the new spacing.
@@ -126,6 +170,9 @@ void frmLayout::KeyDown(int keyCode, int shift)
             int32_t y = m_pointerY;
             m_view.layoutToView(x, y);
             PointerMove(Qt::LeftButton, Qt::NoModifier, QPointF(float(x), float(y)));
+            // Outside the line tool the new spacing is said once, so the key is not silent.
+            if (m_tool != ToolLine)
+                hint(Lang(41) + QStringLiteral(": ") + LineTool::spacingText(*this));
         }
     });
 }

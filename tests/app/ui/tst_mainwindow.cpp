@@ -2,9 +2,12 @@
 #include "app/Language.h"
 #include "app/Startup.h"
 #include "app/ui/Application.h"
+#include "app/ui/QtDialogs.h"
 #include "app/ui/frmMDI.h"
+#include "app/ui/frmOptions.h"
 #include "support/TestSupport.h"
 
+#include <QFileDialog>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -17,7 +20,6 @@ private slots:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("path");
         QTest::newRow("none") << QStringList{"Varno"} << "";
-        QTest::newRow("one plain path") << QStringList{"Varno", "/l/AU1_a.lyt"} << "/l/AU1_a.lyt";
         QTest::newRow("quotes removed anywhere") << QStringList{"Varno", "\"/my maps/AU1_a.lyt\""}
                                                  << "/my maps/AU1_a.lyt";
         QTest::newRow("two paths are one") << QStringList{"Varno", "\"/a/AU1_x.lyt\"", "\"/b/AU2_y.lyt\""}
@@ -59,10 +61,52 @@ private slots:
         QVERIFY(cfg.contains("\r\nRecentFile1 /x/BL3_new.lyt\r\nRecentFile2 /x/AU1_old.lyt\r\n"));
         QVERIFY(!cfg.contains("RecentFile3"));
         QVERIFY(cfg.contains("\r\nSaveType jpg\r\n"));
-        // What was written reads back as the same list.
-        QStringList recent;
-        GetOptions([&](const QString &p) { recent.prepend(p); });
-        QCOMPARE(recent.mid(0, 2), (QStringList{u"/x/BL3_new.lyt"_s, u"/x/AU1_old.lyt"_s}));
+    }
+
+    // A first run shows the options without blocking the main window, and frees them when
+    // they close. With a Varno.cfg there is nothing to show.
+    void firstRunOptionsModeless()
+    {
+        TempAppFolder app(false);
+        ScriptedDialogs dlg;
+        options() = Options::defaults();
+        frmMDI mdi;
+        mdi.show();
+        // Were the dialog modal, this ends it so that the test fails instead of hanging.
+        QTimer::singleShot(0, [] { if (QWidget *w = QApplication::activeModalWidget()) w->close(); });
+        QPointer<frmOptions> dialog = ShowFirstRunOptions(mdi);
+        QVERIFY(dialog && dialog->isVisible() && !dialog->isModal() && !QApplication::activeModalWidget());
+        QVERIFY(dialog->parent() == &mdi);
+        dialog->close();
+        QTRY_VERIFY(!dialog);
+        WriteFile(ConfigPath(), {});
+        QVERIFY(!ShowFirstRunOptions(mdi));
+    }
+
+    // A save dialog whose folder does not exist (a remembered save folder often is a
+    // cut-off path) starts in the nearest folder above it, not where the last dialog,
+    // the pack dialog in packs/, happened to be.
+    void saveDialogStartsNearItsFolder()
+    {
+        TempAppFolder app(false);
+        QtDialogs dialogs;
+        QString shown;
+        auto save = [&](const QString &folder, const QString &name) {
+            QTimer::singleShot(0, [&] {
+                if (auto *d = qobject_cast<QFileDialog *>(QApplication::activeModalWidget())) {
+                    shown = d->directory().path();
+                    d->reject();
+                }
+            });
+            FileDialogRequest r;
+            r.initialDir = folder;
+            r.fileName = name;
+            dialogs.saveFile(r);
+            return QFileInfo(shown).canonicalFilePath();
+        };
+        const QString packs = QDir().mkpath(app.file(u"packs"_s)) ? app.file(u"packs"_s) : QString();
+        QCOMPARE(save(packs, u"AU_x.pack"_s), QFileInfo(packs).canonicalFilePath());
+        QCOMPARE(save(app.file(u"layo"_s), u"AU1_x.lyt"_s), QFileInfo(app.path()).canonicalFilePath());
     }
 };
 
