@@ -225,7 +225,9 @@ private slots:
         if (told.isEmpty()) {
             WriteFile(path, ReadAll(path) + "old tail");
             QVERIFY(QFile::setPermissions(path, QFileDevice::Permissions(0x6666)));
+#ifndef Q_OS_WIN // no hard links there; the case skips below, as permissions cannot apply
             QCOMPARE(::link(QFile::encodeName(path).constData(), QFile::encodeName(link).constData()), 0);
+#endif
         }
         const QByteArray previous = ReadAll(path);
         QVERIFY(!previous.isEmpty());
