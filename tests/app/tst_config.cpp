@@ -181,7 +181,7 @@ private slots:
 
         const QString bin = installed.isEmpty() ? QString() : r + installed;
         const QString folder = ApplicationFolder(r + exe, bin, r + u"share"_s);
-        QCOMPARE(folder, perUser ? user : r + exe);
+        QCOMPARE(QDir::fromNativeSeparators(folder), QDir::fromNativeSeparators(perUser ? user : r + exe));
         QCOMPARE(QFileInfo::exists(user + u"/objects/cone.png"_s), perUser);
         QCOMPARE(QDir(user + u"/packs"_s).exists(), perUser);
         QCOMPARE(ReadAll(user + u"/layouts/AU1_x.lyt"_s), "mine"_ba);

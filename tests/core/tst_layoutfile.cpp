@@ -290,7 +290,7 @@ private slots:
         QCOMPARE(m_dialogs->saveRequests.size(), answers.size());
         if (answers.size() > 1) // proposed again beside the first choice, with the type in front
             QCOMPARE(QDir(m_dialogs->saveRequests[1].initialDir).filePath(m_dialogs->saveRequests[1].fileName),
-                     m_fx.layoutPath(u"AU1_"_s + answers[0]));
+                     QDir::fromNativeSeparators(m_fx.layoutPath(u"AU1_"_s + answers[0])));
         QCOMPARE(doc->LayoutName(), saved.isEmpty() ? u"AU1_untitled.lyt"_s : saved);
         QCOMPARE(doc->Edited(), saved.isEmpty());
     }

@@ -125,7 +125,7 @@ private slots:
             WriteFile(m_fx->layoutPath(name), bytes);
         if (!background) {
             options().AU1 = QString();
-            message.replace("BG", m_fx->app.file("backgrounds/AU1.png"));
+            message.replace("BG", QDir::toNativeSeparators(m_fx->app.file("backgrounds/AU1.png")));
             QFile::remove(m_fx->app.file("backgrounds/AU1.png"));
         }
         frmLayout w;
