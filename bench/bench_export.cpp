@@ -4,11 +4,11 @@
 //   bench_export            all figures (the memory figure runs in a child process)
 //   bench_export --peak P   one export at P per cent to JPEG, then prints VmHWM (the child)
 
-#include "app/Config.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ConfigFile.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/Dialogs.h"
+#include "base/Dialogs.h"
 #include "core/LayoutDocument.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/PictureEncoders.h"

@@ -3,7 +3,7 @@
 // at zooms 0.25, 1 and 4. Prints the median time per repaint, the background alone
 // (kept stretched, and stretched afresh as after a zoom or scroll), and a zoom step.
 
-#include "app/Startup.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutDocument.h"
 #include "imaging/ColorMatrix.h"

@@ -1,8 +1,8 @@
 #include "FuzzSupport.h"
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "imaging/cBitmap.h"
 

@@ -3,7 +3,7 @@
 // folder with small backgrounds, dialogs that never block, and the checks that turn a
 // broken promise into a crash the fuzzer keeps.
 
-#include "core/Dialogs.h"
+#include "base/Dialogs.h"
 
 #include <QByteArray>
 #include <QString>

@@ -3,10 +3,10 @@
 
 #include "FuzzSupport.h"
 
-#include "app/Config.h"
-#include "app/ErrorLog.h"
-#include "app/Startup.h"
-#include "core/Runtime.h"
+#include "base/ConfigFile.h"
+#include "base/ErrorLog.h"
+#include "base/Settings.h"
+#include "base/Runtime.h"
 
 #include <QStringList>
 

@@ -3,10 +3,10 @@
 
 #include "FuzzSupport.h"
 
-#include "app/Config.h"
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ConfigFile.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

@@ -5,7 +5,7 @@
 
 #include "FuzzSupport.h"
 
-#include "app/ErrorLog.h"
+#include "base/ErrorLog.h"
 #include "core/LayoutDocument.h"
 
 #include <QFile>

@@ -4,9 +4,9 @@
 
 #include "FuzzSupport.h"
 
-#include "app/ErrorLog.h"
+#include "base/ErrorLog.h"
 #include "core/LayoutDocument.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <QFile>
 #include <array>

@@ -3,11 +3,11 @@
 
 #include "FuzzSupport.h"
 
-#include "app/ErrorLog.h"
-#include "app/Startup.h"
+#include "base/ErrorLog.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutDocument.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <memory>
 

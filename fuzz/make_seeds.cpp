@@ -7,9 +7,9 @@
 
 #include "FuzzSupport.h"
 
-#include "app/Config.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ConfigFile.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutDocument.h"
 #include "imaging/cBitmap.h"

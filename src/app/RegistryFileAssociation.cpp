@@ -6,9 +6,9 @@
 
 #ifdef Q_OS_WIN
 
-#include "app/Language.h"
+#include "base/Language.h"
 #include "app/Registry.h"
-#include "app/Startup.h"
+#include "base/Settings.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include "app/XdgFileAssociation.h"
 
-#include "app/Language.h"
-#include "core/Dialogs.h"
+#include "base/Language.h"
+#include "base/Dialogs.h"
 
 #include <QDir>
 #include <QFile>

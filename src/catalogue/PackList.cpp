@@ -1,10 +1,10 @@
 #include "catalogue/PackList.h"
 
-#include "app/ErrorLog.h"
-#include "app/Startup.h"
+#include "base/ErrorLog.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutDocument.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "imaging/cGraphics.h"
 
 #include <QDir>

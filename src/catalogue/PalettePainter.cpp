@@ -3,7 +3,7 @@
 #include "catalogue/ObjectKinds.h"
 #include "catalogue/PackList.h"
 #include "catalogue/PaletteRows.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/cGraphics.h"
 

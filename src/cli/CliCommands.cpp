@@ -1,7 +1,7 @@
 #include "cli/CliCommands.h"
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
 #include "catalogue/ObjectKinds.h"
 #include "cli/CliDialogs.h"
 #include "cli/CliLayout.h"

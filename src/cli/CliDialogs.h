@@ -2,7 +2,7 @@
 // varno-cli never shows a window: message boxes become lines on stderr, and a save
 // dialog is answered with the name given on the command line.
 
-#include "core/Dialogs.h"
+#include "base/Dialogs.h"
 
 class CliDialogs : public StderrDialogs {
 public:

@@ -2,13 +2,13 @@
 // writes it, with the options' defaults; a percent follows the size dialog's rules, a
 // width or a height is met exactly.
 
-#include "app/ErrorLog.h"
-#include "app/Startup.h"
+#include "base/ErrorLog.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "cli/CliCommands.h"
 #include "cli/CliLayout.h"
 #include "core/LayoutDocument.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "view/LayoutImageExport.h"
 #include "view/SaveImageRules.h"
 

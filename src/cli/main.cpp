@@ -1,11 +1,11 @@
 // varno-cli: Varno's layout and pack tools on the command line, without a window.
 
 #include "app/AppFolder.h"
-#include "app/Config.h"
-#include "app/Startup.h"
+#include "base/ConfigFile.h"
+#include "base/Settings.h"
 #include "cli/CliCommands.h"
 #include "cli/CliDialogs.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/cGDIP.h"
 

@@ -1,6 +1,6 @@
 #include "controls/frmAbout.h"
 
-#include "app/Language.h"
+#include "base/Language.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>

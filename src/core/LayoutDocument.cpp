@@ -1,12 +1,12 @@
 #include "core/LayoutDocument.h"
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/Dialogs.h"
+#include "base/Dialogs.h"
 #include "core/LayoutFormat.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <QDir>
 #include <QFileInfo>

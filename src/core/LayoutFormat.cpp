@@ -1,7 +1,7 @@
 #include "core/LayoutFormat.h"
 
 #include "catalogue/ObjectKinds.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <QtEndian>
 #include <array>

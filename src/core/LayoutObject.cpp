@@ -1,8 +1,8 @@
 #include "core/LayoutObject.h"
 
-#include "app/ErrorLog.h"
+#include "base/ErrorLog.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/cGraphics.h"
 

@@ -1,6 +1,6 @@
 #include "core/ObjectCollection.h"
 
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <algorithm>
 

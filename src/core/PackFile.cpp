@@ -3,11 +3,11 @@
 
 #include "core/LayoutDocument.h"
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
-#include "core/Dialogs.h"
-#include "core/Runtime.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
+#include "base/Dialogs.h"
+#include "base/Runtime.h"
 #include "core/SafeWrite.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "core/SafeWrite.h"
 
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <QFile>
 #include <QFileInfo>

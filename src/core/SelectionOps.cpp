@@ -5,7 +5,7 @@
 #include "core/LayoutDocument.h"
 
 #include "catalogue/ObjectKinds.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <QStringList>
 #include <algorithm>

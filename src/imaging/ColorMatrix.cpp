@@ -1,6 +1,6 @@
 #include "imaging/ColorMatrix.h"
 
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <cstdint>
 

@@ -1,6 +1,6 @@
 #include "imaging/PictureEncoders.h"
 
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "imaging/GifWriter.h"
 
 #include <QIODevice>

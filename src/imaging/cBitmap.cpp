@@ -1,7 +1,7 @@
 #include "imaging/cBitmap.h"
 
-#include "app/ErrorLog.h"
-#include "core/Runtime.h"
+#include "base/ErrorLog.h"
+#include "base/Runtime.h"
 
 #include <QImageReader>
 #include <QPainter>

@@ -1,9 +1,9 @@
 #include "imaging/cGDIP.h"
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "core/Dialogs.h"
-#include "core/Runtime.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Dialogs.h"
+#include "base/Runtime.h"
 #include "imaging/PictureEncoders.h"
 #include "imaging/cBitmap.h"
 

@@ -2,7 +2,7 @@
 
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutDocument.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "view/ViewGeometry.h"
 
 #include <cmath>

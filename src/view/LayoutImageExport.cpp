@@ -1,7 +1,7 @@
 #include "view/LayoutImageExport.h"
 
-#include "app/ErrorLog.h"
-#include "core/Dialogs.h"
+#include "base/ErrorLog.h"
+#include "base/Dialogs.h"
 #include "core/LayoutDocument.h"
 #include "imaging/cGDIP.h"
 #include "imaging/cGraphics.h"

@@ -7,7 +7,7 @@
 // in one full-size picture and small buffers only: it is drawn in bands of rows, and
 // each band goes to the encoder as soon as it is final, while the next one is drawn.
 
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "imaging/cBitmap.h"
 
 #include <QImage>

@@ -1,7 +1,7 @@
 #include "view/LayoutPainter.h"
 
 #include "core/LayoutDocument.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "imaging/cGraphics.h"
 #include "view/ViewGeometry.h"
 

@@ -1,7 +1,7 @@
 #include "view/ObjectClipboard.h"
 
 #include "core/LayoutDocument.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 ObjectClipboard &objectClipboard()
 {

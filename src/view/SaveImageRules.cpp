@@ -1,7 +1,7 @@
 #include "view/SaveImageRules.h"
 
-#include "app/Language.h"
-#include "core/Runtime.h"
+#include "base/Language.h"
+#include "base/Runtime.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "view/ViewGeometry.h"
 
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <algorithm>
 

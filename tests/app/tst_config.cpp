@@ -1,8 +1,8 @@
 #include "app/AppFolder.h"
-#include "app/Config.h"
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ConfigFile.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "support/TestSupport.h"
 
 #include <QtTest>

@@ -1,6 +1,6 @@
-#include "app/ErrorLog.h"
+#include "base/ErrorLog.h"
 #include "app/RecentFiles.h"
-#include "app/Startup.h"
+#include "base/Settings.h"
 #include "support/TestSupport.h"
 
 #include <QtTest>

@@ -3,7 +3,7 @@
 // touched. On Windows, the registry association against the system's own registry
 // (under Wine, Wine's).
 
-#include "app/Language.h"
+#include "base/Language.h"
 #include "app/XdgFileAssociation.h"
 #include "support/TestSupport.h"
 
@@ -13,7 +13,7 @@
 
 #ifdef Q_OS_WIN
 #include "app/Registry.h"
-#include "app/Startup.h"
+#include "base/Settings.h"
 
 #include <QFileInfo>
 #endif

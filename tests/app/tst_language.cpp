@@ -1,6 +1,6 @@
-#include "app/Language.h"
-#include "app/Startup.h"
-#include "core/Runtime.h"
+#include "base/Language.h"
+#include "base/Settings.h"
+#include "base/Runtime.h"
 #include "support/TestSupport.h"
 
 #include <QFont>

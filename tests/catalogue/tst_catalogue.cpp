@@ -1,7 +1,7 @@
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "support/TestSupport.h"
 
 #include <QtTest>

@@ -1,9 +1,9 @@
 // The palette without its widget: rows per site, hit-testing, scroll range, the pack
 // list and the painting.
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "catalogue/PackList.h"
 #include "catalogue/PalettePainter.h"

@@ -1,6 +1,6 @@
 #include "support/DocumentFixture.h"
 
-#include "app/ErrorLog.h"
+#include "base/ErrorLog.h"
 #include "core/SafeWrite.h"
 
 #include <QGuiApplication>

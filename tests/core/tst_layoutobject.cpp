@@ -1,4 +1,4 @@
-#include "app/ErrorLog.h"
+#include "base/ErrorLog.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutObject.h"
 #include "imaging/ColorMatrix.h"

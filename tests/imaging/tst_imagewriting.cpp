@@ -1,8 +1,8 @@
 // Writing pictures: the encoder choice, every format read back, failures that must
 // leave the disk alone, and the GIF writer's row-by-row path.
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
 #include "imaging/GifWriter.h"
 #include "imaging/cBitmap.h"
 #include "imaging/cGDIP.h"

@@ -1,6 +1,6 @@
 // Pictures in memory: colour matrices, alpha reads, turning and loading.
 
-#include "app/ErrorLog.h"
+#include "base/ErrorLog.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/cBitmap.h"
 #include "reliability/ReliabilitySupport.h"

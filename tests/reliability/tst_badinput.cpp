@@ -6,7 +6,7 @@
 #include "ReliabilitySupport.h"
 #include "support/DocumentFixture.h"
 
-#include "app/ErrorLog.h"
+#include "base/ErrorLog.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -10,8 +10,8 @@
 #include "ReliabilitySupport.h"
 #include "support/DocumentFixture.h"
 
-#include "app/Config.h"
-#include "app/ErrorLog.h"
+#include "base/ConfigFile.h"
+#include "base/ErrorLog.h"
 #include "core/SafeWrite.h"
 #include "imaging/cGDIP.h"
 

@@ -2,14 +2,14 @@
 // A temporary application folder with a plain background of one size for every layout
 // type, and helpers that build layout documents and file bytes by hand.
 
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutDocument.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "support/TestSupport.h"
 
-#include "app/ErrorLog.h"
+#include "base/ErrorLog.h"
 
 #include <QImage>
 #include <QObject>

@@ -1,6 +1,6 @@
 #include "support/TestSupport.h"
 
-#include "app/Startup.h"
+#include "base/Settings.h"
 
 #include <QCoreApplication>
 #include <QDir>

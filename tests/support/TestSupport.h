@@ -2,7 +2,7 @@
 // Shared helpers for the tests: a dialog stand-in that never blocks, a throw-away
 // application folder, and a picture comparison that holds on any processor.
 
-#include "core/Dialogs.h"
+#include "base/Dialogs.h"
 
 #include <QImage>
 #include <QList>

@@ -1,9 +1,9 @@
 #include "app/ui/Application.h"
 
 #include "app/AppFolder.h"
-#include "app/Config.h"
-#include "app/ErrorLog.h"
-#include "app/Startup.h"
+#include "base/ConfigFile.h"
+#include "base/ErrorLog.h"
+#include "base/Settings.h"
 #include "app/ui/QtDialogs.h"
 #include "app/ui/frmMDI.h"
 #include "app/ui/frmOptions.h"

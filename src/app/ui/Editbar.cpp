@@ -1,12 +1,12 @@
 #include "app/ui/Editbar.h"
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
 #include "app/ui/EditbarIcons.h"
 #include "app/ui/RotateButton.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutDocument.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <QFrame>
 #include <QGridLayout>

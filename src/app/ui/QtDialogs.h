@@ -1,7 +1,7 @@
 #pragma once
 // The editor's dialogs: Qt message boxes and file and folder choosers.
 
-#include "core/Dialogs.h"
+#include "base/Dialogs.h"
 
 class QWidget;
 

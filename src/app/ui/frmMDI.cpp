@@ -2,10 +2,10 @@
 
 #include "app/ui/frmMDI.h"
 
-#include "app/Config.h"
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ConfigFile.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "app/ui/Editbar.h"
 #include "catalogue/ui/Objectbar.h"
 #include "view/ui/frmLayout.h"

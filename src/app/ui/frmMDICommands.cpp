@@ -2,17 +2,17 @@
 
 #include "app/ui/frmMDI.h"
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "app/ui/Editbar.h"
 #include "app/ui/frmOptions.h"
 #include "catalogue/ObjectKinds.h"
 #include "catalogue/PackList.h"
 #include "catalogue/ui/Objectbar.h"
 #include "controls/frmAbout.h"
-#include "core/Dialogs.h"
-#include "core/Runtime.h"
+#include "base/Dialogs.h"
+#include "base/Runtime.h"
 #include "view/ui/frmLayout.h"
 
 #include <QAction>

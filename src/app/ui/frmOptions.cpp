@@ -1,9 +1,9 @@
 #include "app/ui/frmOptions.h"
 
-#include "app/Config.h"
-#include "app/Language.h"
-#include "app/Startup.h"
-#include "core/Dialogs.h"
+#include "base/ConfigFile.h"
+#include "base/Language.h"
+#include "base/Settings.h"
+#include "base/Dialogs.h"
 
 #include <QComboBox>
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "catalogue/ui/Objectbar.h"
 
-#include "app/Language.h"
+#include "base/Language.h"
 #include "catalogue/ObjectKinds.h"
 #include "catalogue/PalettePainter.h"
 #include "catalogue/PaletteRows.h"

@@ -1,8 +1,8 @@
 #include "view/ui/LayoutSaveImage.h"
 
-#include "app/Language.h"
-#include "app/Startup.h"
-#include "core/Dialogs.h"
+#include "base/Language.h"
+#include "base/Settings.h"
+#include "base/Dialogs.h"
 #include "core/LayoutDocument.h"
 #include "view/LayoutImageExport.h"
 #include "view/SaveImageRules.h"

@@ -1,9 +1,9 @@
 // The zoom, measuring and object-line tools.
 
-#include "app/Language.h"
+#include "base/Language.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutDocument.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/cGraphics.h"
 #include "view/HitTest.h"

@@ -2,11 +2,11 @@
 
 #include "view/ui/frmLayout.h"
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "view/ObjectClipboard.h"
 #include "view/ui/LayoutCanvas.h"
 #include "view/ui/LayoutTool.h"

@@ -1,6 +1,6 @@
 #include "view/ui/frmSave.h"
 
-#include "app/Language.h"
+#include "base/Language.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

@@ -1,8 +1,8 @@
 // The main window as a user meets it: pop-ups, status texts, change mode, closing with
 // unsaved work, and one whole session driven by synthesized mouse and key events.
 
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "app/ui/Editbar.h"
 #include "app/ui/RotateButton.h"
 #include "app/ui/frmMDI.h"

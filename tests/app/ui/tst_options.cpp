@@ -1,9 +1,9 @@
 // The options dialog: what it shows, what Save writes to Varno.cfg and reads back, the
 // background and folder choosers, and the association button over a fake backend.
 
-#include "app/Config.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ConfigFile.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "app/ui/frmOptions.h"
 #include "support/TestSupport.h"
 

@@ -1,9 +1,9 @@
 // The palette widget driven by synthesized mouse events: hovering, dragging, dropping,
 // clicking, the grip, panel switching with remembered scroll positions, and packs.
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "catalogue/PaletteRows.h"
 #include "catalogue/ui/Objectbar.h"

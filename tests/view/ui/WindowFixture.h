@@ -2,11 +2,11 @@
 // A document window on a plain 1000 x 800 background at zoom 1, scrolled to the top
 // left, with the real object pictures, English texts and dialogs that never block.
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 #include "support/TestSupport.h"
 #include "view/ObjectClipboard.h"
 #include "view/ui/frmLayout.h"

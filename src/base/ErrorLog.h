@@ -1,7 +1,7 @@
 #pragma once
 // The error log (Varno.log beside the program) and the handler every procedure uses.
 
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <QString>
 #include <new>

@@ -1,8 +1,8 @@
-#include "app/Language.h"
+#include "base/Language.h"
 
-#include "app/Config.h"
-#include "app/Startup.h"
-#include "core/Runtime.h"
+#include "base/ConfigFile.h"
+#include "base/Settings.h"
+#include "base/Runtime.h"
 
 #include <QFont>
 #include <QLocale>

@@ -2,7 +2,7 @@
 // The number rules every part of Varno shares. Layout files, packs and the view all
 // work in 16-bit and 8-bit integers, so conversions round half to even and anything
 // that does not fit is run-time error 6 "Overflow"; a bad index is error 9. Errors are
-// thrown as rt::Error and caught by each procedure's handler (see app/ErrorLog.h),
+// thrown as rt::Error and caught by each procedure's handler (see base/ErrorLog.h),
 // which logs "N: text in Class.Procedure".
 
 #include <QString>

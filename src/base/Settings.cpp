@@ -1,4 +1,4 @@
-#include "app/Startup.h"
+#include "base/Settings.h"
 
 #include <QDir>
 

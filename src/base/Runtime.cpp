@@ -1,4 +1,4 @@
-#include "core/Runtime.h"
+#include "base/Runtime.h"
 
 #include <cmath>
 #include <limits>

@@ -1,7 +1,7 @@
-#include "app/ErrorLog.h"
+#include "base/ErrorLog.h"
 
-#include "app/Startup.h"
-#include "core/Dialogs.h"
+#include "base/Settings.h"
+#include "base/Dialogs.h"
 
 #include <QDateTime>
 #include <QFile>

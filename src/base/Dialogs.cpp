@@ -1,4 +1,4 @@
-#include "core/Dialogs.h"
+#include "base/Dialogs.h"
 
 #include <QFileInfo>
 #include <QStringList>

@@ -1,9 +1,9 @@
-#include "app/Config.h"
+#include "base/ConfigFile.h"
 
-#include "app/ErrorLog.h"
-#include "app/Language.h"
-#include "app/Startup.h"
-#include "core/Runtime.h"
+#include "base/ErrorLog.h"
+#include "base/Language.h"
+#include "base/Settings.h"
+#include "base/Runtime.h"
 
 #include <QFile>
 #include <QDir>

@@ -1,0 +1,2 @@
+#include "base/Runtime.h"
+#include "app/RecentFiles.h"
