@@ -9,7 +9,7 @@
 #include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "base/Dialogs.h"
-#include "core/LayoutDocument.h"
+#include "app/LayoutSession.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/PictureEncoders.h"
 #include "imaging/cBitmap.h"
@@ -30,11 +30,12 @@
 namespace {
 
 // AU1 with a few hundred objects of many kinds spread over it.
-std::unique_ptr<LayoutDocument> au1Layout(const QString &folder)
+std::unique_ptr<LayoutSession> au1Layout(const QString &folder)
 {
-    auto doc = std::make_unique<LayoutDocument>();
-    doc->setFileName(folder + QStringLiteral("/AU1_bench.lyt"));
-    doc->LayoutLoadBG();
+    auto session = std::make_unique<LayoutSession>();
+    session->setFileName(folder + QStringLiteral("/AU1_bench.lyt"));
+    session->LayoutLoadBG();
+    LayoutDocument *doc = &session->document();
     const int w = doc->BoundsWidth(), h = doc->BoundsHeight();
     int n = 0;
     for (int y = 60; y < h - 60; y += 120)
@@ -46,7 +47,7 @@ std::unique_ptr<LayoutDocument> au1Layout(const QString &folder)
             doc->ObjectAdd(uint8_t(kinds[n % 8]), int16_t(x), int16_t(y), angle, width, fromView, selected);
             ++n;
         }
-    return doc;
+    return session;
 }
 
 qint64 peakKilobytes()
@@ -73,11 +74,11 @@ void setUp()
 int child(int percent)
 {
     QTemporaryDir dir;
-    auto doc = au1Layout(dir.path());
-    const int w = doc->BoundsWidth() * percent / 100, h = doc->BoundsHeight() * percent / 100;
+    auto layout = au1Layout(dir.path());
+    const int w = layout->document().BoundsWidth() * percent / 100, h = layout->document().BoundsHeight() * percent / 100;
     QElapsedTimer t;
     t.start();
-    const bool ok = LayoutSaveImageFile(*doc, dir.filePath(QStringLiteral("peak.jpg")), w, h, 90);
+    const bool ok = LayoutSaveImageFile(layout->document(), layout->Background(), dir.filePath(QStringLiteral("peak.jpg")), w, h, 90);
     std::printf("%d %d %lld %lld %d\n", w, h, peakKilobytes(), t.elapsed(), ok ? 1 : 0);
     return ok ? 0 : 1;
 }
@@ -98,13 +99,13 @@ int main(int argc, char *argv[])
         return child(args[2].toInt());
 
     QTemporaryDir dir;
-    auto doc = au1Layout(dir.path());
-    std::printf("AU1 background %d x %d, %d objects\n\n", doc->BoundsWidth(), doc->BoundsHeight(),
-                int(doc->Objects().Count()));
+    auto layout = au1Layout(dir.path());
+    std::printf("AU1 background %d x %d, %d objects\n\n", layout->document().BoundsWidth(), layout->document().BoundsHeight(),
+                int(layout->document().Objects().Count()));
     std::printf("%-8s %-5s %13s %10s %14s %7s %10s\n", "percent", "type", "picture", "export s", "encoder only s",
                 "ratio", "file MB");
     for (int percent : {100, 400}) {
-        const int w = doc->BoundsWidth() * percent / 100, h = doc->BoundsHeight() * percent / 100;
+        const int w = layout->document().BoundsWidth() * percent / 100, h = layout->document().BoundsHeight() * percent / 100;
         for (const char *type : {"png", "jpg"}) {
             const QString out = dir.filePath(QStringLiteral("export.") + QLatin1String(type));
             // Best of three: the machine is shared, and the best run is the one least disturbed.
@@ -112,7 +113,7 @@ int main(int argc, char *argv[])
             QElapsedTimer t;
             for (int run = 0; run < 3; ++run) {
                 t.start();
-                if (!LayoutSaveImageFile(*doc, out, w, h, 90)) {
+                if (!LayoutSaveImageFile(layout->document(), layout->Background(), out, w, h, 90)) {
                     std::printf("export to %s failed\n", type);
                     return 1;
                 }
@@ -122,7 +123,7 @@ int main(int argc, char *argv[])
 
             // The encoder alone: the same pixels, already drawn, to a plain file.
             QImage picture(w, h, QImage::Format_ARGB32_Premultiplied);
-            RenderLayoutPicture(ExportScene(*doc), picture);
+            RenderLayoutPicture(ExportScene(layout->document(), layout->Background()), picture);
             double encoderTime = 1e9;
             for (int run = 0; run < 3; ++run) {
                 QFile raw(dir.filePath(QStringLiteral("raw.") + QLatin1String(type)));

@@ -5,7 +5,7 @@
 
 #include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/LayoutDocument.h"
+#include "app/LayoutSession.h"
 #include "imaging/ColorMatrix.h"
 #include "imaging/cGraphics.h"
 #include "view/LayoutPainter.h"
@@ -63,9 +63,10 @@ int main(int argc, char **argv)
     std::printf("%-6s %12s %14s %16s %12s %14s\n", "zoom", "repaint ms", "bg kept ms", "bg stretched ms",
                 "objects ms", "zoom step ms");
     for (float zoom : {0.25f, 1.0f, 4.0f}) {
-        LayoutDocument doc;
-        doc.setFileName(QStringLiteral("AU1_bench.lyt"));
-        if (!doc.LayoutLoadBG()) {
+        LayoutSession session;
+        LayoutDocument &doc = session.document();
+        session.setFileName(QStringLiteral("AU1_bench.lyt"));
+        if (!session.LayoutLoadBG()) {
             std::fprintf(stderr, "cannot load the AU1 background from %s\n", qPrintable(AppPath()));
             return 1;
         }
@@ -99,9 +100,9 @@ int main(int argc, char **argv)
             cGraphics g;
             g.CreateFromHdc(&target);
             if (full)
-                painter.Draw(g, doc, view);
+                painter.Draw(g, doc, session.Background(), view);
             else
-                painter.DrawBackground(g, doc, view);
+                painter.DrawBackground(g, session.Background(), view);
         };
         paint(true); // warm the pictures and the stretched background
         const double full = timeIt([&] { paint(true); });

@@ -6,7 +6,7 @@
 #include "FuzzSupport.h"
 
 #include "base/ErrorLog.h"
-#include "core/LayoutDocument.h"
+#include "app/LayoutSession.h"
 
 #include <QFile>
 #include <QStringList>
@@ -18,8 +18,8 @@ namespace {
 struct Slot {
     QString name;
     bool roundTrip; // AU3 and AU4 are read back displaced on purpose; no round trip there
-    std::unique_ptr<LayoutDocument> doc;
-    std::unique_ptr<LayoutDocument> back;
+    std::unique_ptr<LayoutSession> doc;
+    std::unique_ptr<LayoutSession> back;
     DocumentState empty;
 };
 
@@ -56,13 +56,13 @@ std::vector<Slot> &layouts()
             {QStringLiteral("BL3_f.lyt"), true}, {QStringLiteral("bl3_f.lyt"), true},
             {QStringLiteral("XY9_f.lyt"), false}};
         for (const auto &[name, roundTrip] : names) {
-            Slot slot{name, roundTrip, std::make_unique<LayoutDocument>(), std::make_unique<LayoutDocument>()};
+            Slot slot{name, roundTrip, std::make_unique<LayoutSession>(), std::make_unique<LayoutSession>()};
             // Both documents keep their background; LayoutOpen starts every read afresh.
             slot.doc->setFileName(fuzz::app(QStringLiteral("layouts/") + name));
             slot.doc->LayoutLoadBG();
             slot.back->setFileName(fuzz::app(QStringLiteral("out/") + name));
             slot.back->LayoutLoadBG();
-            slot.empty = slot.doc->snapshot();
+            slot.empty = slot.doc->document().snapshot();
             // Every type's name points at the one input file.
             QFile::link(fuzz::app(QStringLiteral("layouts/input.lyt")), slot.doc->FileName());
             s.push_back(std::move(slot));
@@ -80,9 +80,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     fuzz::write(fuzz::app(QStringLiteral("layouts/input.lyt")), data, size);
     for (Slot &slot : layouts()) {
         fuzz::resetLog();
-        LayoutDocument &doc = *slot.doc;
+        LayoutSession &session = *slot.doc;
+        LayoutDocument &doc = session.document();
         doc.restore(slot.empty); // as a new window would start
-        const bool opened = doc.LayoutOpen();
+        const bool opened = session.LayoutOpen();
         fuzz::check(doc.Objects().Count() <= qMax<qsizetype>(0, (qsizetype(size) - 12) / 8),
                     "more objects than records", slot.name);
         if (!opened || !slot.roundTrip)
@@ -90,16 +91,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         const QString saved = slot.back->FileName();
         QFile::remove(saved);
         // Save a copy: the document's file name moves to out/ and back.
-        const QString source = doc.FileName();
-        doc.setFileName(saved);
-        const bool written = doc.LayoutSave(false);
-        doc.setFileName(source);
+        const QString source = session.FileName();
+        session.setFileName(saved);
+        const bool written = session.LayoutSave(false);
+        session.setFileName(source);
         fuzz::check(written, "an opened layout could not be saved", slot.name + QLatin1Char(' ') + LoggedErrors().join(QLatin1Char('\n')));
         fuzz::check(slot.back->LayoutOpen(), "a saved layout does not open", slot.name);
-        fuzz::check(objectsText(*slot.back) == objectsText(doc), "a saved layout came back changed",
+        const LayoutDocument &back = slot.back->document();
+        fuzz::check(objectsText(back) == objectsText(doc), "a saved layout came back changed",
                     slot.name + QStringLiteral("\nopened: ") + objectsText(doc) + QStringLiteral("\nsaved:  ")
-                        + objectsText(*slot.back));
-        fuzz::check(slot.back->Laps() == doc.Laps(), "laps changed by a save", slot.name);
+                        + objectsText(back));
+        fuzz::check(back.Laps() == doc.Laps(), "laps changed by a save", slot.name);
     }
     return 0;
 }

@@ -5,7 +5,7 @@
 #include "FuzzSupport.h"
 
 #include "base/ErrorLog.h"
-#include "core/LayoutDocument.h"
+#include "app/LayoutSession.h"
 #include "base/Runtime.h"
 
 #include <QFile>
@@ -15,7 +15,8 @@
 namespace {
 
 struct Target {
-    std::unique_ptr<LayoutDocument> doc;
+    std::unique_ptr<LayoutSession> session;
+    LayoutDocument *doc = nullptr;
     DocumentState empty;
 };
 
@@ -25,9 +26,10 @@ std::array<Target, 2> &targets()
         std::array<Target, 2> t;
         const char *names[2] = {"layouts/AU1_pack.lyt", "layouts/BL3_pack.lyt"};
         for (int i = 0; i < 2; ++i) {
-            t[i].doc = std::make_unique<LayoutDocument>();
-            t[i].doc->setFileName(fuzz::app(QLatin1String(names[i])));
-            t[i].doc->LayoutLoadBG();
+            t[i].session = std::make_unique<LayoutSession>();
+            t[i].session->setFileName(fuzz::app(QLatin1String(names[i])));
+            t[i].session->LayoutLoadBG();
+            t[i].doc = &t[i].session->document();
             t[i].empty = t[i].doc->snapshot();
         }
         return t;
@@ -57,7 +59,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         for (const auto &drop : drops) {
             fuzz::resetLog();
             t.doc->restore(t.empty);
-            t.doc->PackRead(QStringLiteral("AU_input.pack"), drop[0], drop[1]);
+            t.session->PackRead(QStringLiteral("AU_input.pack"), drop[0], drop[1]);
+            t.session->undoStack().clear(); // one input's history is no use to the next
             fuzz::check(t.doc->Objects().Count() <= qMax<qsizetype>(0, (qsizetype(size) - 6) / 8),
                         "more objects than records");
             if (t.doc->Selection().isEmpty())
@@ -68,7 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             QFile::remove(out);
             dialogs.saveAnswer = out;
             fuzz::resetLog();
-            t.doc->PackWrite();
+            t.session->PackWrite();
             dialogs.saveAnswer.clear();
             if (!LoggedErrors().isEmpty())
                 continue; // a box wider than 16 bits is refused with an overflow

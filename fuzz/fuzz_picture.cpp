@@ -6,7 +6,7 @@
 #include "base/ErrorLog.h"
 #include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/LayoutDocument.h"
+#include "app/LayoutSession.h"
 #include "base/Runtime.h"
 
 #include <memory>
@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     options().AU1 = path;
     static auto doc = [] {
-        auto d = std::make_unique<LayoutDocument>();
+        auto d = std::make_unique<LayoutSession>();
         d->setFileName(fuzz::app(QStringLiteral("layouts/AU1_picture.lyt")));
         return d;
     }();
@@ -28,8 +28,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     fuzz::check(loaded == LoggedErrors().isEmpty(), "LayoutLoadBG neither loaded nor told",
                 LoggedErrors().join(QLatin1Char('\n')));
     if (loaded) {
-        fuzz::check(doc->BoundsWidth() > 0 && doc->BoundsHeight() > 0, "a loaded background without a size");
-        fuzz::check(doc->Background().Handle().width() == doc->BoundsWidth(), "bounds differ from the picture");
+        const LayoutDocument &d = doc->document();
+        fuzz::check(d.BoundsWidth() > 0 && d.BoundsHeight() > 0, "a loaded background without a size");
+        fuzz::check(doc->Background().Handle().width() == d.BoundsWidth(), "bounds differ from the picture");
     }
 
     try {

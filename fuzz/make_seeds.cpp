@@ -11,7 +11,7 @@
 #include "base/Language.h"
 #include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/LayoutDocument.h"
+#include "app/LayoutSession.h"
 #include "imaging/cBitmap.h"
 #include "imaging/cGDIP.h"
 
@@ -46,9 +46,10 @@ void layoutSeeds(fuzz::QuietDialogs &dialogs)
 {
     for (const char *type : {"AU1", "AU2", "AU3", "AU4", "BL3"}) {
         const QString name = QLatin1String(type) + QStringLiteral("_seed.lyt");
-        LayoutDocument doc;
-        doc.setFileName(fuzz::app(QStringLiteral("out/") + name));
-        doc.LayoutLoadBG();
+        LayoutSession session;
+        LayoutDocument &doc = session.document();
+        session.setFileName(fuzz::app(QStringLiteral("out/") + name));
+        session.LayoutLoadBG();
         doc.setLaps(3);
         add(doc, 0, 30, 40, 90, 0, true);
         add(doc, 1, 200, 20, 0, 12, true);
@@ -63,23 +64,23 @@ void layoutSeeds(fuzz::QuietDialogs &dialogs)
         add(doc, 56, 120, 150, 0, 6);
         add(doc, 59, 60, 180, 0, 4);
         add(doc, 59, 160, 180, 0, 4);
-        QFile::remove(doc.FileName());
-        doc.LayoutSave(false);
-        put(QStringLiteral("fuzz_lyt"), name, fuzz::readAll(doc.FileName()));
+        QFile::remove(session.FileName());
+        session.LayoutSave(false);
+        put(QStringLiteral("fuzz_lyt"), name, fuzz::readAll(session.FileName()));
 
         const QString pack = fuzz::app(QStringLiteral("packs/") + QLatin1String(type).left(2) + QStringLiteral("_seed.pack"));
         QFile::remove(pack);
         doc.SelectionUpdate();
         dialogs.saveAnswer = pack;
-        doc.PackWrite();
+        session.PackWrite();
         dialogs.saveAnswer.clear();
         put(QStringLiteral("fuzz_pack"), QLatin1String(type) + QStringLiteral("_seed.pack"), fuzz::readAll(pack));
     }
     // An empty BL3 layout of the older revision.
-    LayoutDocument empty;
+    LayoutSession empty;
     empty.setFileName(fuzz::app(QStringLiteral("out/BL3_empty.lyt")));
     empty.LayoutLoadBG();
-    empty.setRevision(250);
+    empty.document().setRevision(250);
     QFile::remove(empty.FileName());
     empty.LayoutSave(false);
     put(QStringLiteral("fuzz_lyt"), QStringLiteral("BL3_empty.lyt"), fuzz::readAll(empty.FileName()));

@@ -43,13 +43,13 @@ QString layoutJson(const OpenedLayout &l)
 {
     JsonWriter j;
     j.beginObject();
-    j.field(u"type"_s, l.doc.LayoutType());
-    j.field(u"revision"_s, int(l.doc.Revision()));
-    j.field(u"laps"_s, int(l.doc.Laps()));
+    j.field(u"type"_s, l.doc().LayoutType());
+    j.field(u"revision"_s, int(l.doc().Revision()));
+    j.field(u"laps"_s, int(l.doc().Laps()));
     j.field(u"opened"_s, l.opened);
-    j.field(u"objectCount"_s, int(l.doc.ObjectCount()));
+    j.field(u"objectCount"_s, int(l.doc().ObjectCount()));
     j.beginArray(u"objects"_s);
-    for (const varnoObject &o : l.doc.Objects()) {
+    for (const varnoObject &o : l.doc().Objects()) {
         j.beginObject();
         j.field(u"id"_s, int(o.ID()));
         j.field(u"kind"_s, kindCaption(o.ID()));
@@ -72,19 +72,19 @@ QString layoutText(const QString &file, const OpenedLayout &l)
     QString s;
     QTextStream t(&s);
     t << "File:      " << QFileInfo(file).absoluteFilePath() << '\n';
-    t << "Type:      " << l.doc.LayoutType() << '\n';
-    t << "Revision:  " << l.doc.Revision() << '\n';
-    t << "Laps:      " << l.doc.Laps() << '\n';
+    t << "Type:      " << l.doc().LayoutType() << '\n';
+    t << "Revision:  " << l.doc().Revision() << '\n';
+    t << "Laps:      " << l.doc().Laps() << '\n';
     t << "Opened:    " << (l.opened ? "yes" : "no") << '\n';
-    t << "Objects:   " << l.doc.ObjectCount() << " (plus " << l.doc.MarshallCount()
+    t << "Objects:   " << l.doc().ObjectCount() << " (plus " << l.doc().MarshallCount()
       << " restricted areas and route checkers)\n";
-    if (!l.doc.Objects().isEmpty()) {
+    if (!l.doc().Objects().isEmpty()) {
         t << '\n'
           << qSetFieldWidth(5) << "#" << qSetFieldWidth(0) << "  " << qSetFieldWidth(24) << Qt::left << "kind"
           << qSetFieldWidth(7) << Qt::right << "x" << "y" << "angle" << "width" << "route" << qSetFieldWidth(0)
           << '\n';
         int n = 0;
-        for (const varnoObject &o : l.doc.Objects()) {
+        for (const varnoObject &o : l.doc().Objects()) {
             t << qSetFieldWidth(5) << ++n << qSetFieldWidth(0) << "  " << qSetFieldWidth(24) << Qt::left
               << kindCaption(o.ID()) << qSetFieldWidth(7) << Qt::right << o.X() << o.Y() << o.Angle()
               << o.Width() << o.RouteIndex() << qSetFieldWidth(0) << '\n';
@@ -137,7 +137,7 @@ int info(const QString &file, bool json)
 {
     prepare();
     OpenedLayout l(file);
-    if (l.opened && l.backgroundMissing()) {
+    if (l.opened && l.session.backgroundMissing()) {
         err(u"varno-cli: "_s + l.problem(file) + u'.');
         return Failure;
     }
@@ -155,7 +155,7 @@ int resave(const QString &in, const QString &outFile)
     }
     // Saved through the same path as the editor's Save As, with the name given here.
     CliDialogs::instance().answerSaveWith(QFileInfo(outFile).absoluteFilePath());
-    const bool saved = l.doc.LayoutSave(true);
+    const bool saved = l.session.LayoutSave(true);
     CliDialogs::instance().answerSaveWith(QString());
     if (!saved || !LoggedErrors().isEmpty()) {
         err(u"varno-cli: %1 was not written."_s.arg(outFile));

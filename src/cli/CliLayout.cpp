@@ -11,28 +11,23 @@ namespace cli {
 
 OpenedLayout::OpenedLayout(const QString &file)
 {
-    QObject::connect(&doc, &LayoutDocument::Message,
+    QObject::connect(&session.document(), &LayoutDocument::Message,
                      [this](bool, int16_t, int16_t, const QString &text) { messages << text; });
-    doc.setFileName(QFileInfo(file).absoluteFilePath());
-    backgroundLoaded = doc.LayoutLoadBG();
-    opened = doc.LayoutOpen();
-}
-
-bool OpenedLayout::backgroundMissing() const
-{
-    return !backgroundLoaded && lyt::typeInfo(doc.LayoutType());
+    opened = session.open(QFileInfo(file).absoluteFilePath(), LayoutSession::Missing::Refuse);
 }
 
 QString OpenedLayout::problem(const QString &file) const
 {
     if (!opened)
         return u"%1 could not be opened"_s.arg(file);
-    if (backgroundMissing())
+    // Without its background every object is refused as outside the layout, so the
+    // document looks empty; written back, it would wipe the file.
+    if (session.backgroundMissing())
         return u"the background picture %1 of %2 could not be loaded, so its objects cannot be placed"_s.arg(
-            QDir::toNativeSeparators(doc.BGName()), file);
+            QDir::toNativeSeparators(session.BGName()), file);
     // It opened only because it is empty; the simulator would not know where it belongs.
-    if (!lyt::typeInfo(doc.LayoutType()))
-        return u"%1 is of the unknown layout type %2"_s.arg(file, doc.LayoutType());
+    if (!lyt::typeInfo(session.LayoutType()))
+        return u"%1 is of the unknown layout type %2"_s.arg(file, session.LayoutType());
     return QString();
 }
 

@@ -121,8 +121,8 @@ int render(const QStringList &args)
     ClearLoggedErrors();
     FillCatalogue();
     const OpenedLayout layout(in);
-    const LayoutDocument &doc = layout.doc;
-    const int baseWidth = doc.Background().Width(), baseHeight = doc.Background().Height();
+    const cBitmap &background = layout.session.Background();
+    const int baseWidth = background.Width(), baseHeight = background.Height();
     if (const QString problem = layout.problem(in); !problem.isEmpty()) {
         say(stderr, u"varno-cli: "_s + problem + u"; nothing was written."_s);
         return Failure;
@@ -163,7 +163,7 @@ int render(const QStringList &args)
     ImageExportResult result;
     {
         TerminalProgress progress;
-        result = RenderLayoutImage(ExportScene(doc), target, pictureWidth, pictureHeight, sizes.quality(),
+        result = RenderLayoutImage(ExportScene(layout.doc(), background), target, pictureWidth, pictureHeight, sizes.quality(),
                                    [&](double f) { return progress(f); });
     }
     ReportImageExport(result, pictureWidth, pictureHeight);

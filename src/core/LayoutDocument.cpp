@@ -1,15 +1,10 @@
 #include "core/LayoutDocument.h"
 
-#include "base/ErrorLog.h"
 #include "base/Language.h"
-#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "base/Dialogs.h"
 #include "core/LayoutFormat.h"
 #include "base/Runtime.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <algorithm>
 
 namespace {
@@ -26,13 +21,6 @@ LayoutDocument::LayoutDocument(QObject *parent) : QObject(parent) {}
 
 LayoutDocument::~LayoutDocument() = default;
 
-void LayoutDocument::setFileName(const QString &fileName)
-{
-    m_fileName = fileName;
-    m_layoutName = fileTitle(fileName);
-    m_layoutType = m_layoutName.left(3).toUpper();
-}
-
 bool LayoutDocument::IsAuSite() const
 {
     return ::IsAuSite(m_layoutType);
@@ -48,7 +36,6 @@ void LayoutDocument::setLaps(uint8_t laps)
     if (laps == m_laps)
         return;
     m_laps = laps;
-    m_edited = true;
     emit Updated();
 }
 
@@ -152,7 +139,6 @@ void LayoutDocument::ObjectAdd(uint8_t ID, int16_t X, int16_t Y, int16_t &Angle,
             *uniqueFlag = false;
         throw;
     }
-    m_edited = true;
 }
 
 void LayoutDocument::ObjectRemove(const QString &key)
@@ -181,7 +167,6 @@ void LayoutDocument::ObjectRemove(const QString &key)
     default: break;
     }
     m_objects.Remove(key);
-    m_edited = true;
 }
 
 void LayoutDocument::resetContent()
@@ -193,60 +178,19 @@ void LayoutDocument::resetContent()
     m_bounds = {};
 }
 
-// --- background --------------------------------------------------------------------
+// --- placement area --------------------------------------------------------------------
 
-bool LayoutDocument::LayoutLoadBG()
+void LayoutDocument::ResetStartMarker()
 {
-    bool loaded = false;
-    guarded(QStringLiteral("frmLayout.LayoutLoadBG"), [&] {
-        auto marker = std::make_unique<nrmlObject>();
-        marker->setID(Kind::Start);
-        marker->Update(0, 0);
-        m_startMarker = std::move(marker);
-
-        const lyt::TypeInfo *type = lyt::typeInfo(m_layoutType);
-        if (!type) {
-            // Logged as well as shown: the layout stays open, without bounds or start marker.
-            LogError(m_layoutType + QStringLiteral("\r\n") + Lang(164), 1);
-            return;
-        }
-        const QString code = QLatin1String(type->code);
-        const QString option = code == QLatin1String("AU1") ? options().AU1
-            : code == QLatin1String("AU2")                  ? options().AU2
-            : code == QLatin1String("BL3")                  ? options().BL3
-                                                            : options().AU34;
-        if (option.isEmpty() || !QFileInfo::exists(option))
-            m_bgName = AppPath() + QStringLiteral("backgrounds") + QDir::separator() + QLatin1String(type->background);
-        else
-            m_bgName = option;
-
-        m_startMarker->setX(type->startX);
-        m_startMarker->setY(type->startY);
-        m_startMarker->Update(type->startAngle, 0);
-
-        if (!m_bgName.isEmpty() && !QFileInfo::exists(m_bgName)) {
-            m_background = cBitmap();
-            dialogs().message(m_bgName + QStringLiteral("\r\n\r\n") + Lang(166), QString(), MsgIcon::Information);
-            return;
-        }
-        cBitmap picture;
-        if (!picture.LoadFromFile(m_bgName))
-            rt::raise(rt::InvalidPicture);
-        m_background = std::move(picture);
-        m_backgroundScale = float(double(m_background.Width()) / type->span);
-        loaded = true;
-    });
-    return loaded;
-}
-
-void LayoutDocument::setBGName(const QString &name)
-{
-    const QString path = AppPath() + QStringLiteral("backgrounds") + QDir::separator() + name;
-    cBitmap picture;
-    if (!picture.LoadFromFile(path))
-        rt::raise(rt::InvalidPicture, path);
-    m_bgName = path;
-    m_background = std::move(picture);
+    auto marker = std::make_unique<nrmlObject>();
+    marker->setID(Kind::Start);
+    marker->Update(0, 0);
+    if (const lyt::TypeInfo *type = lyt::typeInfo(m_layoutType)) {
+        marker->setX(type->startX);
+        marker->setY(type->startY);
+        marker->Update(type->startAngle, 0);
+    }
+    m_startMarker = std::move(marker);
 }
 
 // --- selection ---------------------------------------------------------------------

@@ -1,16 +1,12 @@
 #pragma once
-// One open layout without its window: the objects, the placement rules, the layout
-// type with its background and bounds, the selection, and reading and writing layout
-// and pack files. The document window owns one and shows what it reports through its
-// signals; varno-cli and the tests drive it directly.
+// The content of one open layout: the objects, the placement rules, the layout type
+// with its bounds, the selection, and the bytes of layout and pack files. It opens no
+// file and shows nothing: LayoutSession does the files and dialogs around it.
 //
-// Nothing is reported by exception across the signals: refusals come back as Message,
-// failures of the file procedures are logged and shown by their own handlers. Plain
-// calls (ObjectAdd, ObjectRemove, SelectionUpdate) leave run-time errors to the caller.
+// Refusals come back as Message; run-time errors go to the caller.
 
 #include "core/LayoutObject.h"
 #include "core/ObjectCollection.h"
-#include "imaging/cBitmap.h"
 
 #include <QList>
 #include <QObject>
@@ -20,6 +16,8 @@
 #include <functional>
 #include <memory>
 #include <vector>
+
+class QIODevice;
 
 // Everything an edit can change, for undo: the objects in order under their keys,
 // with every property, and the counters and flags that go with them.
@@ -54,8 +52,6 @@ struct PackData {
 // Reads a pack without placing it. Error 53 for a missing file, 62 when the 6-byte
 // header is not all there. A negative count reads no records.
 PackData ReadPackFile(const QString &path);
-// The question Save As asks when the chosen file title does not begin with the type.
-QString WrongTypeNameText(const QString &title, const QString &type);
 // The bytes of a pack file.
 QByteArray PackBytes(int16_t width, int16_t height, const QList<PackRecord> &records);
 
@@ -69,11 +65,9 @@ public:
     ~LayoutDocument() override;
 
     // --- identity -----------------------------------------------------------------
-    // Sets FileName, LayoutName (the file's title) and LayoutType (the title's first
-    // three characters, upper-cased).
-    void setFileName(const QString &fileName);
-    const QString &FileName() const { return m_fileName; }
-    const QString &LayoutName() const { return m_layoutName; }
+    // The layout type (the file title's first three characters, upper-cased), which
+    // decides the site's rules and the file's position mapping.
+    void setLayoutType(const QString &type) { m_layoutType = type; }
     const QString &LayoutType() const { return m_layoutType; }
     bool IsAuSite() const;
     uint8_t Revision() const { return m_revision; }
@@ -91,8 +85,6 @@ public:
     bool HasFinish() const { return m_hasFinish; }
     uint8_t Laps() const { return m_laps; }
     void setLaps(uint8_t laps);
-    bool Edited() const { return m_edited; }
-    void setEdited(bool e) { m_edited = e; }
 
     void ObjectAdd(uint8_t ID, int16_t X, int16_t Y, int16_t &Angle, uint8_t &Width, bool &FromView,
                    bool &Selected);
@@ -105,20 +97,20 @@ public:
     int16_t PointerY() const { return m_pointerY; }
     void setViewToLayout(ViewToLayout fn) { m_viewToLayout = std::move(fn); }
 
-    // --- background and bounds ----------------------------------------------------
-    bool LayoutLoadBG();
-    const cBitmap &Background() const { return m_background; }
-    const QString &BGName() const { return m_bgName; }
-    // Loads the named picture from the backgrounds folder as the new background. The
-    // background scale and the start marker stay; error 481 when it is no picture.
-    void setBGName(const QString &name);
+    // --- placement area -----------------------------------------------------------
+    // The area objects may be placed in: the background picture's size in layout units
+    // (0 x 0 while there is no picture, which refuses every object).
+    void setBounds(int width, int height) { m_boundsWidth = width; m_boundsHeight = height; }
+    int BoundsWidth() const { return m_boundsWidth; }
+    int BoundsHeight() const { return m_boundsHeight; }
+    // Background pixels per metre of the type's area.
     float BackgroundScale() const { return m_backgroundScale; }
-    // The type's default start position (ID 0), outside the collection; nullptr before
-    // LayoutLoadBG.
-    // Drawing refreshes the marker's cached pictures, like the objects'.
+    void setBackgroundScale(float scale) { m_backgroundScale = scale; }
+    // Makes the type's default start position (ID 0), outside the collection, at the
+    // type's start (at 0,0 for an unknown type). Drawing refreshes the marker's cached
+    // pictures, like the objects'; nullptr before the first call.
+    void ResetStartMarker();
     varnoObject *StartMarker() const { return m_startMarker.get(); }
-    int BoundsWidth() const { return m_background.Width(); }
-    int BoundsHeight() const { return m_background.Height(); }
 
     // --- selection ----------------------------------------------------------------
     // Rebuilds the selection list and bounds from the objects' Selected flags, in
@@ -154,27 +146,29 @@ public:
     DocumentState snapshot() const;
     void restore(const DocumentState &state);
 
-    // --- files (errors are logged " in frmLayout.<procedure>") ---------------------
-    bool LayoutOpen();
-    bool LayoutSave(bool saveAs);
-    void PackWrite();
-    void PackRead(const QString &name, int16_t x, int16_t y);
+    // --- file contents (run-time errors go to the caller) ---------------------------
+    // Replaces the content with a layout file's: the header, then as many records as
+    // its count says (a longer file's old tail is ignored). Objects read before an
+    // error stay. name is the file title, for the unknown-type error.
+    void ReadLayout(QIODevice &file, const QString &name);
+    // The layout file's bytes. unsupported is set when the type cannot be written, and
+    // the bytes then stop after the header.
+    QByteArray LayoutBytes(bool *unsupported) const;
+    // The selection as a pack file, its box the selection's bounds.
+    QByteArray SelectionPackBytes() const;
+    // Places a pack centred on a layout point; its objects become the selection.
+    // Error 62 after placing what there is when the pack ends early.
+    void PlacePack(const PackData &pack, int16_t x, int16_t y);
 
 signals:
     void Message(bool refusal, int16_t x, int16_t y, const QString &text);
     void Updated();
     void ObjectUpdated(bool start, bool checkpoint1, bool checkpoint2, bool checkpoint3, bool finish);
-    // The layout's name after a save (Save As can change it).
-    void LayoutNameChanged(const QString &name);
 
 private:
     void refuse(int slot);
     void resetContent();
-    bool readLayout(const QByteArray &bytes);
-    QByteArray layoutBytes(bool *unsupported);
 
-    QString m_fileName;
-    QString m_layoutName;
     QString m_layoutType;
     uint8_t m_revision = 0;
 
@@ -186,14 +180,13 @@ private:
     bool m_hasCheckpoint3 = false;
     bool m_hasFinish = false;
     uint8_t m_laps = 0;
-    bool m_edited = false;
 
     int16_t m_pointerX = 0;
     int16_t m_pointerY = 0;
     ViewToLayout m_viewToLayout;
 
-    cBitmap m_background;
-    QString m_bgName;
+    int m_boundsWidth = 0;
+    int m_boundsHeight = 0;
     float m_backgroundScale = 0.0f;
     std::unique_ptr<varnoObject> m_startMarker;
 

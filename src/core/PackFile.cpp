@@ -1,16 +1,9 @@
-// Pack files for LayoutDocument: a selection saved as a reusable group, and placing
-// one in a layout.
+// Pack files: a selection saved as a reusable group, and placing one in a layout.
 
 #include "core/LayoutDocument.h"
 
-#include "base/ErrorLog.h"
-#include "base/Language.h"
-#include "base/Settings.h"
-#include "base/Dialogs.h"
 #include "base/Runtime.h"
-#include "core/SafeWrite.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
@@ -82,65 +75,33 @@ QByteArray PackBytes(int16_t width, int16_t height, const QList<PackRecord> &rec
     return out;
 }
 
-void LayoutDocument::PackWrite()
+QByteArray LayoutDocument::SelectionPackBytes() const
 {
-    guarded(QStringLiteral("frmLayout.PackWrite"), [&] {
-        const QString site = m_layoutType.left(2);
-        FileDialogRequest request;
-        request.fileName = site + QLatin1Char('_') + Lang(104) + QStringLiteral(".pack");
-        request.initialDir = AppPath() + QStringLiteral("packs");
-        request.defaultExt = QStringLiteral("pack");
-        request.filter = Lang(101) + QStringLiteral(" (*.pack)|*.pack|") + Lang(102) + QStringLiteral(" (*.*)|*.*");
-        request.filterIndex = 1;
-        QString path;
-        for (;;) {
-            path = dialogs().saveFile(request);
-            if (path.isEmpty())
-                return;
-            // The palette shows a pack only to layouts of its site, which it reads from
-            // the name, so the name must carry the site.
-            const QString title = fileTitle(path);
-            if (title.left(3).toUpper() == site + QLatin1Char('_') && title.right(5) == QLatin1String(".pack"))
-                break;
-            dialogs().message(Lang(168), QString(), MsgIcon::None);
-        }
-        QList<PackRecord> records;
-        records.reserve(m_selection.size());
-        for (const selObject &s : m_selection) {
-            const varnoObject &o = m_objects.Item(s.strKey);
-            records.append({o.ID(), s.X, s.Y, o.Angle(), o.Width()});
-        }
-        const int16_t width = rt::sub16(m_bounds.right, m_bounds.left);
-        const int16_t height = rt::sub16(m_bounds.bottom, m_bounds.top);
-        WriteKeepingTail(path, PackBytes(width, height, records));
-    });
+    QList<PackRecord> records;
+    records.reserve(m_selection.size());
+    for (const selObject &s : m_selection) {
+        const varnoObject &o = m_objects.Item(s.strKey);
+        records.append({o.ID(), s.X, s.Y, o.Angle(), o.Width()});
+    }
+    const int16_t width = rt::sub16(m_bounds.right, m_bounds.left);
+    const int16_t height = rt::sub16(m_bounds.bottom, m_bounds.top);
+    return PackBytes(width, height, records);
 }
 
-void LayoutDocument::PackRead(const QString &name, int16_t x, int16_t y)
+void LayoutDocument::PlacePack(const PackData &pack, int16_t x, int16_t y)
 {
-    const QString where = QStringLiteral("frmLayout.PackRead");
-    guarded(where, [&] {
-        const QString relative = QStringLiteral("packs") + QDir::separator() + name;
-        const QString path = AppPath() + relative;
-        if (!QFileInfo(path).isFile()) {
-            LogError(relative + QStringLiteral("\r\n\r\n") + Lang(166), 1);
-            return;
-        }
-        for (varnoObject &o : m_objects)
-            o.setSelected(false);
-        const PackData pack = ReadPackFile(path);
-        // The drop point is the pack's centre.
-        const int16_t left = rt::sub16(x, pack.width / 2);
-        const int16_t top = rt::sub16(y, pack.height / 2);
-        for (const PackRecord &r : pack.records) {
-            int16_t angle = r.Angle;
-            uint8_t width = r.Width;
-            bool fromView = false;
-            bool selected = true;
-            ObjectAdd(r.ID, rt::add16(left, r.X), rt::add16(top, r.Y), angle, width, fromView, selected);
-        }
-        if (!pack.complete())
-            rt::raise(rt::InputPastEndOfFile);
-    });
-    guarded(where, [&] { SelectionUpdate(true); });
+    for (varnoObject &o : m_objects)
+        o.setSelected(false);
+    // The drop point is the pack's centre.
+    const int16_t left = rt::sub16(x, pack.width / 2);
+    const int16_t top = rt::sub16(y, pack.height / 2);
+    for (const PackRecord &r : pack.records) {
+        int16_t angle = r.Angle;
+        uint8_t width = r.Width;
+        bool fromView = false;
+        bool selected = true;
+        ObjectAdd(r.ID, rt::add16(left, r.X), rt::add16(top, r.Y), angle, width, fromView, selected);
+    }
+    if (!pack.complete())
+        rt::raise(rt::InputPastEndOfFile);
 }

@@ -60,7 +60,6 @@ void LayoutDocument::SelectionFlip(bool Vertical)
             angle = rt::sub16(180, o.Angle());
         }
         o.Update(angle, o.Width());
-        m_edited = true;
     }
     SelectionUpdate(false);
     RaiseUpdates();
@@ -90,8 +89,6 @@ void LayoutDocument::ObjectRotate(int32_t angle)
         }
     }
     m_groupAngle = rt::toInt16(static_cast<long long>(angle));
-    if (!m_selection.isEmpty())
-        m_edited = true;
     SelectionUpdate(false);
     // The group angle belongs to this selection; the rebuild above keeps the same keys.
     RaiseUpdates();
@@ -130,7 +127,6 @@ void LayoutDocument::ObjectWidth(uint8_t width)
         if (o.Width() == 0 || o.Width() == width)
             continue;
         o.Update(o.Angle(), width);
-        m_edited = true;
     }
     SelectionUpdate(false);
     RaiseUpdates();
@@ -156,7 +152,6 @@ QPoint LayoutDocument::MoveSelection(int32_t dx, int32_t dy)
         o.setX(rt::toInt16(static_cast<long long>(o.X()) + dx));
         o.setY(rt::toInt16(static_cast<long long>(o.Y()) + dy));
     }
-    m_edited = true;
     SelectionUpdate(false);
     return QPoint(dx, dy);
 }

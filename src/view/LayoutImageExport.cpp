@@ -102,7 +102,7 @@ QImage newPicture(int width, int height, qint64 bytes)
 
 } // namespace
 
-ExportScene::ExportScene(const LayoutDocument &doc) : background(doc.Background())
+ExportScene::ExportScene(const LayoutDocument &doc, const cBitmap &picture) : background(picture)
 {
     objects.reserve(size_t(doc.Objects().Count()));
     for (const varnoObject &o : doc.Objects()) {
@@ -342,10 +342,10 @@ void ReportImageExport(const ImageExportResult &result, int width, int height)
     }
 }
 
-bool LayoutSaveImageFile(const LayoutDocument &doc, const QString &fileName, int width, int height, int quality,
-                         const ExportProgress &progress)
+bool LayoutSaveImageFile(const LayoutDocument &doc, const cBitmap &background, const QString &fileName, int width,
+                         int height, int quality, const ExportProgress &progress)
 {
-    const ImageExportResult result = RenderLayoutImage(ExportScene(doc), fileName, width, height, quality, progress);
+    const ImageExportResult result = RenderLayoutImage(ExportScene(doc, background), fileName, width, height, quality, progress);
     ReportImageExport(result, width, height);
     return result.status == ImageExportResult::Written;
 }

@@ -26,7 +26,7 @@ class varnoObject;
 // drawing thread shares no picture cache with the window's painting, whatever the
 // window does meanwhile. One export at a time may draw from a scene.
 struct ExportScene {
-    explicit ExportScene(const LayoutDocument &doc);
+    ExportScene(const LayoutDocument &doc, const cBitmap &background);
     ~ExportScene();
     cBitmap background;
     std::vector<std::unique_ptr<varnoObject>> objects;
@@ -65,7 +65,7 @@ void ReportImageExport(const ImageExportResult &result, int width, int height);
 
 // The document's LayoutSaveImageFile: RenderLayoutImage then ReportImageExport, on the
 // calling thread. True when the file was written.
-bool LayoutSaveImageFile(const LayoutDocument &doc, const QString &fileName, int width, int height, int quality,
+bool LayoutSaveImageFile(const LayoutDocument &doc, const cBitmap &background, const QString &fileName, int width, int height, int quality,
                          const ExportProgress &progress = {});
 
 // Only the drawing: fills picture (ARGB32 premultiplied, already of the wanted size)

@@ -56,10 +56,10 @@ const QImage &LayoutPainter::stretchedBackground(const QImage &background, const
     return m_cache;
 }
 
-void LayoutPainter::DrawBackground(cGraphics &graphics, const LayoutDocument &doc, const ViewGeometry &view)
+void LayoutPainter::DrawBackground(cGraphics &graphics, const cBitmap &picture, const ViewGeometry &view)
 {
     QPainter *p = graphics.Handle();
-    const QImage &background = doc.Background().Handle();
+    const QImage &background = picture.Handle();
     if (!p || background.isNull())
         return;
     const QImage &stretched = stretchedBackground(background, view);
@@ -93,13 +93,14 @@ void drawSelectionMarks(QPainter &p, const QRect &box, std::vector<QRect> &marks
 
 } // namespace
 
-int LayoutPainter::Draw(cGraphics &graphics, const LayoutDocument &doc, const ViewGeometry &view)
+int LayoutPainter::Draw(cGraphics &graphics, const LayoutDocument &doc, const cBitmap &background,
+                        const ViewGeometry &view)
 {
     graphics.SetInterpolationMode(InterpolationModeBilinear);
     // Without a background there are no bounds, and nothing else is drawn either.
-    if (doc.Background().isNull())
+    if (background.isNull())
         return 0;
-    DrawBackground(graphics, doc, view);
+    DrawBackground(graphics, background, view);
 
     int drawn = 0;
     const float scale = view.ObjectScale();

@@ -7,6 +7,7 @@
 #include <QImage>
 #include <cstdint>
 
+class cBitmap;
 class cGraphics;
 class LayoutDocument;
 class ViewGeometry;
@@ -33,9 +34,9 @@ public:
     // Paints everything, the selection marks last; returns how many objects (the start
     // marker included) were drawn.
     // Run-time errors reach the caller.
-    int Draw(cGraphics &graphics, const LayoutDocument &doc, const ViewGeometry &view);
+    int Draw(cGraphics &graphics, const LayoutDocument &doc, const cBitmap &background, const ViewGeometry &view);
     // Paints the background only (what Draw starts with).
-    void DrawBackground(cGraphics &graphics, const LayoutDocument &doc, const ViewGeometry &view);
+    void DrawBackground(cGraphics &graphics, const cBitmap &background, const ViewGeometry &view);
     // Forgets the stretched background, for example after the picture changed.
     void invalidate() { m_cache = QImage(); }
 

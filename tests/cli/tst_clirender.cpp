@@ -91,12 +91,10 @@ private slots:
         // Pixel for pixel what the editor's export draws for the same layout.
         options() = Options::defaults();
         FillCatalogue();
-        LayoutDocument doc;
-        doc.setFileName(m_layout);
-        doc.LayoutLoadBG();
-        QVERIFY(doc.LayoutOpen());
+        LayoutSession session;
+        QVERIFY(session.open(m_layout, LayoutSession::Missing::Refuse));
         QImage expected(size, QImage::Format_ARGB32_Premultiplied);
-        QVERIFY(RenderLayoutPicture(ExportScene(doc), expected));
+        QVERIFY(RenderLayoutPicture(ExportScene(session.document(), session.Background()), expected));
         QCOMPARE(back.convertToFormat(QImage::Format_RGB32), expected.convertToFormat(QImage::Format_RGB32));
         QVERIFY(expected != QImage(m_app->file(u"backgrounds/AU1.png"_s))
                                 .scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)

@@ -108,14 +108,12 @@ private slots:
         for (int i = 0; i < cones; ++i)
             addObject(*doc, 14, 1 + i, 100);
         doc->setLaps(7);
-        doc->setEdited(false);
         doc->setPointer(12, -7);
         const int count = doc->Objects().Count();
         QSignalSpy spy(doc.get(), &LayoutDocument::Message);
         QCOMPARE(errorOf([&] { addObject(*doc, object[0], object[1], object[2], 30, object[3]); }),
                  outcome < 0 ? -outcome : 0);
         QCOMPARE(doc->Objects().Count(), count + (outcome == 0 ? 1 : 0));
-        QCOMPARE(doc->Edited(), outcome == 0);
         QCOMPARE(spy.count(), outcome > 0 ? 1 : 0);
         if (outcome > 0)
             QCOMPARE(u"%1 %2 %3"_s.arg(spy[0][1].toInt()).arg(spy[0][2].toInt()).arg(spy[0][3].toString()),
@@ -224,12 +222,13 @@ private slots:
 
     void backgrounds()
     {
-        auto doc = m_fx.document(u"AU2_x.lyt"_s);
+        auto session = m_fx.session(u"AU2_x.lyt"_s);
+        auto *doc = &session->document();
         const varnoObject *m = doc->StartMarker();
         QCOMPARE((QList<int>{m->X(), m->Y(), m->Angle(), doc->BoundsWidth()}),
                  (QList<int>{831, 549, 69, 1000}));
         QCOMPARE(doc->BackgroundScale(), float(1000.0 / 1050));
-        QCOMPARE(m_fx.document(u"XY9_x.lyt"_s)->BoundsWidth(), 0);
+        QCOMPARE(m_fx.session(u"XY9_x.lyt"_s)->document().BoundsWidth(), 0);
         QCOMPARE(m_dialogs->messages.value(0).text, ErrorBoxText(u"XY9\r\n"_s + Lang(164)));
 
         const QString saved = options().AU34;
@@ -237,16 +236,16 @@ private slots:
         // missing too, so the user hears about it and the layout has no bounds.
         options().AU34 = m_fx.app.file(u"nowhere.png"_s);
         const QString fallback = AppPath() + u"backgrounds"_s + QDir::separator() + u"AU34.png"_s;
-        QCOMPARE(m_fx.document(u"AU4_x.lyt"_s)->BoundsWidth(), 0);
+        QCOMPARE(m_fx.session(u"AU4_x.lyt"_s)->document().BoundsWidth(), 0);
         QCOMPARE(m_dialogs->messages.value(1).text, fallback + u"\r\n\r\nNot found!?"_s);
         // With the program's picture present, it is used.
         QDir().mkpath(QFileInfo(fallback).absolutePath());
         QVERIFY(QImage(300, 200, QImage::Format_RGB32).save(fallback));
-        QCOMPARE(m_fx.document(u"AU3_y.lyt"_s)->BoundsWidth(), 300);
+        QCOMPARE(m_fx.session(u"AU3_y.lyt"_s)->document().BoundsWidth(), 300);
         QFile::remove(fallback);
         // A file that is no picture is an error of the loader, not a crash.
         options().AU34 = WriteFile(m_fx.app.file(u"broken.png"_s), "not a picture");
-        QCOMPARE(m_fx.document(u"AU3_z.lyt"_s)->BoundsWidth(), 0);
+        QCOMPARE(m_fx.session(u"AU3_z.lyt"_s)->document().BoundsWidth(), 0);
         QCOMPARE(LoggedErrors(), (QStringList{u"XY9\r\n"_s + Lang(164), u"481: Invalid picture in frmLayout.LayoutLoadBG"_s}));
         options().AU34 = saved;
     }

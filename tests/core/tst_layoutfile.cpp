@@ -34,15 +34,15 @@ int crashChild(char **argv)
 {
     SetAppPath(QString::fromLocal8Bit(argv[3]));
     options().AU1 = QString::fromLocal8Bit(argv[4]);
-    LayoutDocument doc;
-    doc.setFileName(QString::fromLocal8Bit(argv[5]));
-    if (!doc.LayoutLoadBG() || !doc.LayoutOpen())
+    LayoutSession session;
+    session.setFileName(QString::fromLocal8Bit(argv[5]));
+    if (!session.LayoutLoadBG() || !session.LayoutOpen())
         return 3;
-    addObject(doc, 14, 300, 300, 45);
+    addObject(session.document(), 14, 300, 300, 45);
     g_stage = atoi(argv[2]);
     g_die = true;
     setSafeWriteHook(stageHook);
-    doc.LayoutSave(false);
+    session.LayoutSave(false);
     return 0;
 }
 } // namespace
@@ -116,25 +116,27 @@ private slots:
         QFETCH(QString, objects);
         QFETCH(QString, problem);
         WriteFile(m_fx.layoutPath(file), bytes);
-        auto doc = m_fx.document(file);
+        auto session = m_fx.session(file);
+        auto *doc = &session->document();
         ClearLoggedErrors(); // an unknown type has been reported by the background's loading
-        QSignalSpy refusals(doc.get(), &LayoutDocument::Message);
+        QSignalSpy refusals(doc, &LayoutDocument::Message);
         const bool logged = problem.contains(u" in "_s);
-        QCOMPARE(doc->LayoutOpen(), !logged);
+        QCOMPARE(session->LayoutOpen(), !logged);
         QCOMPARE(objectsText(*doc), objects);
         QCOMPARE(LoggedErrors(), logged ? QStringList{problem} : QStringList());
         QCOMPARE(refusals.count(), problem.startsWith(u"refused"_s) ? 1 : 0);
         if (refusals.count())
             QCOMPARE(refusals[0][3].toString(), Lang(problem.mid(8).toInt()));
         if (!logged)
-            QVERIFY(!doc->Edited());
+            QVERIFY(!session->Edited());
     }
 
     void missingFile()
     {
-        auto doc = m_fx.document(u"AU1_missing.lyt"_s);
-        QVERIFY(!doc->LayoutOpen());
-        QCOMPARE(m_dialogs->messages.value(0).text, doc->FileName() + u"\r\n\r\nNot found!?"_s);
+        auto session = m_fx.session(u"AU1_missing.lyt"_s);
+        auto *doc = &session->document();
+        QVERIFY(!session->LayoutOpen());
+        QCOMPARE(m_dialogs->messages.value(0).text, session->FileName() + u"\r\n\r\nNot found!?"_s);
         QVERIFY(LoggedErrors().isEmpty());
     }
 
@@ -172,11 +174,12 @@ private slots:
 #ifndef Q_OS_WIN // Windows files have no owner and group bits to keep
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup);
 #endif
-        auto doc = m_fx.document(file);
-        addObject(*doc, object[0], object[1], object[2], object[3], object[4]);
-        QSignalSpy named(doc.get(), &LayoutDocument::LayoutNameChanged);
-        QVERIFY(doc->LayoutSave(false));
-        QVERIFY(!doc->Edited());
+        auto session = m_fx.session(file);
+        auto *doc = &session->document();
+        addRecorded(*session, object[0], object[1], object[2], object[3], object[4]);
+        QSignalSpy named(session.get(), &LayoutSession::LayoutNameChanged);
+        QVERIFY(session->LayoutSave(false));
+        QVERIFY(!session->Edited());
         QCOMPARE(named.count(), 1);
         QCOMPARE(ReadAll(path).toHex(' '),
                  (lytHeader(251, 1, object[0] == 0 ? 1 : 0) + record + old.mid(20)).toHex(' '));
@@ -189,7 +192,8 @@ private slots:
     // flags written before it.
     void countHighByteAndRepeatedFlags()
     {
-        auto doc = m_fx.document(u"AU1_many.lyt"_s);
+        auto session = m_fx.session(u"AU1_many.lyt"_s);
+        auto *doc = &session->document();
         for (int i = 0; i < 298; ++i)
             addObject(*doc, 14, 1 + i, 10);
         addObject(*doc, 59, 5, 5);
@@ -203,7 +207,7 @@ private slots:
         addObject(*doc, 59, 8, 8);
         doc->setLaps(200);
         doc->setRevision(17);
-        QVERIFY(doc->LayoutSave(false));
+        QVERIFY(session->LayoutSave(false));
         const QByteArray bytes = ReadAll(m_fx.layoutPath(u"AU1_many.lyt"_s));
         QCOMPARE(bytes.size(), 12 + 302 * 8);
         QCOMPARE(bytes.left(12), lytHeader(251, 302, 200));
@@ -244,17 +248,18 @@ private slots:
         QFile::remove(m_fx.layoutPath(name));
         options().SaveFolder = u"/start/here"_s;
         options().RememberSaveFolder = remember;
-        auto doc = m_fx.document(name);
-        addObject(*doc, 14, 5, 5);
+        auto session = m_fx.session(name);
+        auto *doc = &session->document();
+        addRecorded(*session, 14, 5, 5);
         m_dialogs->saveAnswers << chosen;
-        QCOMPARE(doc->LayoutSave(saveAs), saved);
+        QCOMPARE(session->LayoutSave(saveAs), saved);
         options().RememberSaveFolder = true;
         QCOMPARE(m_dialogs->saveRequests.size(), asks ? 1 : 0);
         if (asks)
             QCOMPARE(m_dialogs->saveRequests[0].initialDir, u"/start/here"_s);
-        QCOMPARE(doc->Edited(), !saved);
-        QCOMPARE(doc->FileName(), saved && asks ? chosen : m_fx.layoutPath(name));
-        QCOMPARE(QFile::exists(doc->FileName()), saved);
+        QCOMPARE(session->Edited(), !saved);
+        QCOMPARE(session->FileName(), saved && asks ? chosen : m_fx.layoutPath(name));
+        QCOMPARE(QFile::exists(session->FileName()), saved);
         // The remembered folder is as long as the file's name less one.
         QCOMPARE(options().SaveFolder,
                  saved && asks && remember ? chosen.left(answer.size() - 1) : u"/start/here"_s);
@@ -277,13 +282,14 @@ private slots:
         QFETCH(QStringList, answers);
         QFETCH(int, question);
         QFETCH(QString, saved);
-        auto doc = m_fx.document(u"AU1_untitled.lyt"_s);
-        addObject(*doc, 14, 5, 5);
+        auto session = m_fx.session(u"AU1_untitled.lyt"_s);
+        auto *doc = &session->document();
+        addRecorded(*session, 14, 5, 5);
         for (const QString &a : answers)
             m_dialogs->saveAnswers << (a.isEmpty() ? a : m_fx.layoutPath(a));
         if (question >= 0)
             m_dialogs->answers << (question ? MsgResult::Yes : MsgResult::No);
-        QCOMPARE(doc->LayoutSave(true), !saved.isEmpty());
+        QCOMPARE(session->LayoutSave(true), !saved.isEmpty());
         QCOMPARE(m_dialogs->messages.size(), question >= 0 ? 1 : 0);
         if (question >= 0)
             QCOMPARE(m_dialogs->messages[0].text, WrongTypeNameText(answers[0], u"AU1"_s));
@@ -291,30 +297,32 @@ private slots:
         if (answers.size() > 1) // proposed again beside the first choice, with the type in front
             QCOMPARE(QDir(m_dialogs->saveRequests[1].initialDir).filePath(m_dialogs->saveRequests[1].fileName),
                      QDir::fromNativeSeparators(m_fx.layoutPath(u"AU1_"_s + answers[0])));
-        QCOMPARE(doc->LayoutName(), saved.isEmpty() ? u"AU1_untitled.lyt"_s : saved);
-        QCOMPARE(doc->Edited(), saved.isEmpty());
+        QCOMPARE(session->LayoutName(), saved.isEmpty() ? u"AU1_untitled.lyt"_s : saved);
+        QCOMPARE(session->Edited(), saved.isEmpty());
     }
 
     // XY2 has no map: without objects the header is all there is to write; with one the
     // header goes out and the object does not, and the layout stays unsaved.
     void unsupportedTypeSave()
     {
-        LayoutDocument doc;
-        doc.setFileName(m_fx.layoutPath(u"XY2_s.lyt"_s));
+        LayoutSession session;
+        session.setFileName(m_fx.layoutPath(u"XY2_s.lyt"_s));
+        LayoutDocument &doc = session.document();
         const QByteArray old(40, 'o');
-        WriteFile(doc.FileName(), old);
-        QVERIFY(doc.LayoutSave(false));
-        QCOMPARE(ReadAll(doc.FileName()), lytHeader(251, 0, 0) + old.mid(12));
+        WriteFile(session.FileName(), old);
+        QVERIFY(session.LayoutSave(false));
+        QCOMPARE(ReadAll(session.FileName()), lytHeader(251, 0, 0) + old.mid(12));
 
-        DocumentState s = doc.snapshot();
-        s.objects.push_back(std::make_shared<nrmlObject>());
-        doc.restore(s);
-        doc.setEdited(true);
-        QSignalSpy named(&doc, &LayoutDocument::LayoutNameChanged);
-        QVERIFY(!doc.LayoutSave(false));
+        session.record(u"restore"_s, 0, [&] {
+            DocumentState s = doc.snapshot();
+            s.objects.push_back(std::make_shared<nrmlObject>());
+            doc.restore(s);
+        });
+        QSignalSpy named(&session, &LayoutSession::LayoutNameChanged);
+        QVERIFY(!session.LayoutSave(false));
         QCOMPARE(m_dialogs->messages.value(0).text, u"XY2\r\n"_s + Lang(164));
-        QCOMPARE(ReadAll(doc.FileName()), lytHeader(251, 1, 0) + old.mid(12));
-        QVERIFY(doc.Edited());
+        QCOMPARE(ReadAll(session.FileName()), lytHeader(251, 1, 0) + old.mid(12));
+        QVERIFY(session.Edited());
         QCOMPARE(named.count(), 0);
     }
 
@@ -340,21 +348,23 @@ private slots:
             const QStringList args{u"crash"_s, QString::number(stage), AppPath(), options().AU1, path};
             QCOMPARE(QProcess::execute(QCoreApplication::applicationFilePath(), args), 42);
         } else {
-            auto doc = m_fx.document(u"AU1_kill.lyt"_s);
-            QVERIFY(doc->LayoutOpen());
-            addObject(*doc, 14, 300, 300, 45);
+            auto session = m_fx.session(u"AU1_kill.lyt"_s);
+            auto *doc = &session->document();
+            QVERIFY(session->LayoutOpen());
+            addRecorded(*session, 14, 300, 300, 45);
             g_stage = stage;
             setSafeWriteHook(stageHook);
-            QVERIFY(!doc->LayoutSave(false));
+            QVERIFY(!session->LayoutSave(false));
             QCOMPARE(LoggedErrors(), QStringList{u"61: Disk full in frmLayout.LayoutSave"_s});
-            QVERIFY(doc->Edited());
+            QVERIFY(session->Edited());
             QCOMPARE(QDir(m_fx.layoutPath({})).entryList({u"AU1_kill.lyt*"_s}, QDir::Files).size(), 1);
         }
         const bool replaced = stage == int(SafeWriteStage::Replaced);
         if (!replaced)
             QCOMPARE(ReadAll(path), old);
-        auto doc = m_fx.document(u"AU1_kill.lyt"_s);
-        QVERIFY(doc->LayoutOpen());
+        auto session = m_fx.session(u"AU1_kill.lyt"_s);
+        auto *doc = &session->document();
+        QVERIFY(session->LayoutOpen());
         QCOMPARE(objectsText(*doc),
                  u"14@724,400 a0 w0"_s + (replaced ? u"; 14@300,300 a45 w0"_s : QString()));
     }
@@ -391,18 +401,21 @@ private slots:
         for (quint32 seed = 1; seed <= 3; ++seed) {
             QRandomGenerator rng(seed);
             QFile::remove(fx.layoutPath(type + u".lyt"_s));
-            auto doc = fx.document(type + u".lyt"_s);
+            auto session = fx.session(type + u".lyt"_s);
+            auto *doc = &session->document();
             doc->setRevision(uint8_t(revision));
             doc->setLaps(uint8_t(rng.bounded(256)));
             for (int i = 5 + int(rng.bounded(60)); i > 0; --i)
                 addObject(*doc, kinds[rng.bounded(kinds.size())], 1 + int(rng.bounded(width)),
                           1 + int(rng.bounded(displaced ? height / 2 : height)),
                           45 * int(rng.bounded(8)) - 180, 2 * (1 + int(rng.bounded(31))));
-            QVERIFY(doc->LayoutSave(false));
+            QVERIFY(session->LayoutSave(false));
 
-            auto back = fx.document(type + u".lyt"_s);
-            QSignalSpy refusals(back.get(), &LayoutDocument::Message);
-            QVERIFY(back->LayoutOpen());
+            auto backSession = fx.session(type + u".lyt"_s);
+
+            auto *back = &backSession->document();
+            QSignalSpy refusals(back, &LayoutDocument::Message);
+            QVERIFY(backSession->LayoutOpen());
             QCOMPARE(int(back->Revision()), revision == 250 ? 250 : 251);
             QCOMPARE(back->Laps(), doc->Laps());
             QCOMPARE(refusals.count(), displaced ? doc->Objects().Count() : 0);
@@ -421,8 +434,9 @@ private slots:
                 bytes[9] = char(rng.bounded(4)); // plausible counts too
             const QString name = i % 2 ? u"BL3_g.lyt"_s : u"AU1_g.lyt"_s;
             WriteFile(m_fx.layoutPath(name), bytes);
-            auto doc = m_fx.document(name);
-            doc->LayoutOpen();
+            auto session = m_fx.session(name);
+            auto *doc = &session->document();
+            session->LayoutOpen();
             QVERIFY(doc->Objects().Count() <= qMax(0, (int(bytes.size()) - 12) / 8));
         }
     }

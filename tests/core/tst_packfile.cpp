@@ -49,13 +49,14 @@ private slots:
         QFETCH(QString, layout);
         QFETCH(QStringList, answers);
         QFETCH(QString, written);
-        auto doc = m_fx.document(layout);
+        auto session = m_fx.session(layout);
+        auto *doc = &session->document();
         addObject(*doc, 54, 100, 100, 0, 0, true);
         addObject(*doc, 14, 100, 100, 0, 0, true); // one of the two is at the site
         doc->SelectionUpdate();
         for (const QString &a : answers)
             m_dialogs->saveAnswers << packPath(a);
-        doc->PackWrite();
+        session->PackWrite();
         const int refusals = int(answers.size()) - (written.isEmpty() ? 0 : 1);
         QCOMPARE(m_dialogs->saveRequests.size(), refusals + 1);
         QCOMPARE(m_dialogs->saveRequests[0].fileName, layout.left(2) + u"_untitled.pack"_s);
@@ -70,14 +71,15 @@ private slots:
     // Selected objects relative to the selection's corner, the box's size in the header.
     void writeBytes()
     {
-        auto doc = m_fx.document(u"AU1_bytes.lyt"_s);
+        auto session = m_fx.session(u"AU1_bytes.lyt"_s);
+        auto *doc = &session->document();
         addObject(*doc, 14, 300, 200, 45, 0, true);
         addObject(*doc, 14, 10, 10, 0, 0, false);
         addObject(*doc, 1, 250, 260, -90, 6, true);
         addObject(*doc, 59, 320, 230, 180, 0, true);
         doc->SelectionUpdate();
         m_dialogs->saveAnswers << packPath(u"AU_bytes.pack"_s);
-        doc->PackWrite();
+        session->PackWrite();
         const QByteArray expected = packHeader(70, 60, 3) + packRecord(14, 50, 0, 45, 0) +
                                     packRecord(1, 0, 60, -90, 6) + packRecord(59, 70, 30, 180, 10);
         QCOMPARE(ReadAll(packPath(u"AU_bytes.pack"_s)).toHex(' '), expected.toHex(' '));
@@ -89,17 +91,18 @@ private slots:
         for (int i = 0; i < 5; ++i)
             old += packRecord(14, i, i, 0, 0);
         WriteFile(packPath(u"AU_tail.pack"_s), old);
-        auto doc = m_fx.document(u"AU1_tail.lyt"_s);
+        auto session = m_fx.session(u"AU1_tail.lyt"_s);
+        auto *doc = &session->document();
         addObject(*doc, 18, 400, 400, 10, 0, true);
         doc->SelectionUpdate();
         m_dialogs->saveAnswers << packPath(u"AU_tail.pack"_s);
-        doc->PackWrite();
+        session->PackWrite();
         QCOMPARE(ReadAll(packPath(u"AU_tail.pack"_s)),
                  packHeader(0, 0, 1) + packRecord(18, 0, 0, 10, 0) + old.mid(14));
         // Reading stops at the count.
-        auto target = m_fx.document(u"AU1_tail2.lyt"_s);
+        auto target = m_fx.session(u"AU1_tail2.lyt"_s);
         target->PackRead(u"AU_tail.pack"_s, 600, 500);
-        QCOMPARE(objectsText(*target), u"18@600,500 a10 w0"_s);
+        QCOMPARE(objectsText(target->document()), u"18@600,500 a10 w0"_s);
         QVERIFY(LoggedErrors().isEmpty());
         QCOMPARE(errorOf([] { ReadPackFile(packPath(u"AU_absent.pack"_s)); }), 53);
     }
@@ -151,10 +154,11 @@ private slots:
         QFETCH(int, refusals);
         QFETCH(QString, logged);
         WriteFile(packPath(u"AU_r.pack"_s), pack);
-        auto doc = m_fx.document(layout);
+        auto session = m_fx.session(layout);
+        auto *doc = &session->document();
         addObject(*doc, 56, 700, 700, 0, 0, true);
-        QSignalSpy spy(doc.get(), &LayoutDocument::Message);
-        doc->PackRead(u"AU_r.pack"_s, int16_t(x), int16_t(y));
+        QSignalSpy spy(doc, &LayoutDocument::Message);
+        session->PackRead(u"AU_r.pack"_s, int16_t(x), int16_t(y));
         QCOMPARE(objectsText(*doc, true), placed);
         QCOMPARE(doc->Objects().Count(), int(placed.count(u'@')) + 1);
         QCOMPARE(int(doc->Selection().size()), int(placed.count(u'@')));
@@ -165,14 +169,15 @@ private slots:
     void garbageNeverCrashes()
     {
         QRandomGenerator rng(7);
-        auto doc = m_fx.document(u"AU1_g.lyt"_s);
+        auto session = m_fx.session(u"AU1_g.lyt"_s);
+        auto *doc = &session->document();
         for (int i = 0; i < 40; ++i) {
             QByteArray bytes(int(rng.bounded(200)), Qt::Uninitialized);
             for (char &c : bytes)
                 c = char(rng.bounded(256));
             WriteFile(packPath(u"AU_g.pack"_s), bytes);
             const int before = doc->Objects().Count();
-            doc->PackRead(u"AU_g.pack"_s, int16_t(rng.bounded(1200)), int16_t(rng.bounded(1000)));
+            session->PackRead(u"AU_g.pack"_s, int16_t(rng.bounded(1200)), int16_t(rng.bounded(1000)));
             // Never more objects than whole records in the file.
             QVERIFY(doc->Objects().Count() - before <= qMax(0, (int(bytes.size()) - 6) / 8));
         }

@@ -23,28 +23,28 @@ namespace {
 // layout holding a cone and the start, saved and not edited since.
 struct Env {
     DocumentFixture fx;
-    std::unique_ptr<LayoutDocument> base;
+    std::unique_ptr<LayoutSession> base;
     QStringList status; // refusals shown in the status bar
 
     Env()
     {
-        base = document(u"AU1_base.lyt"_s);
-        addObject(*base, 14, 100, 100);
-        addObject(*base, 0, 500, 400);
+        base = session(u"AU1_base.lyt"_s);
+        addObject(base->document(), 14, 100, 100);
+        addObject(base->document(), 0, 500, 400);
         base->LayoutSave(false);
-        base->SelectionUpdate();
+        base->document().SelectionUpdate();
     }
-    std::unique_ptr<LayoutDocument> document(const QString &name)
+    std::unique_ptr<LayoutSession> session(const QString &name)
     {
-        auto doc = std::make_unique<LayoutDocument>();
-        QObject::connect(doc.get(), &LayoutDocument::Message,
+        auto s = std::make_unique<LayoutSession>();
+        QObject::connect(&s->document(), &LayoutDocument::Message,
                          [this](bool refusal, int16_t, int16_t, const QString &text) {
                              if (refusal)
                                  status << text;
                          });
-        doc->setFileName(fx.layoutPath(name));
-        doc->LayoutLoadBG();
-        return doc;
+        s->setFileName(fx.layoutPath(name));
+        s->LayoutLoadBG();
+        return s;
     }
     QString layout(const QString &name, const QByteArray &bytes) { return WriteFile(fx.layoutPath(name), bytes); }
     QString pack(const QString &name, const QByteArray &bytes) { return WriteFile(fx.app.file(u"packs/"_s + name), bytes); }
@@ -54,16 +54,17 @@ struct Env {
 // when there are a few.
 QString open(Env &env, const QString &name)
 {
-    auto doc = env.document(name);
-    const bool ok = doc->LayoutOpen();
-    const int n = doc->Objects().Count();
-    return (ok ? u"opened "_s : u"failed "_s) + QString::number(n) + (n && n <= 3 ? u": "_s + objectsText(*doc) : QString());
+    auto s = env.session(name);
+    const bool ok = s->LayoutOpen();
+    const int n = s->document().Objects().Count();
+    return (ok ? u"opened "_s : u"failed "_s) + QString::number(n)
+        + (n && n <= 3 ? u": "_s + objectsText(s->document()) : QString());
 }
 
 QString dropPack(Env &env, const QString &name, int x, int y)
 {
     env.base->PackRead(name, int16_t(x), int16_t(y));
-    return objectsText(*env.base);
+    return objectsText(env.base->document());
 }
 
 QString loadLanguage(Env &env)
@@ -79,9 +80,9 @@ QString loadLanguage(Env &env)
 QString loadBackground(Env &env, const QString &picture)
 {
     options().AU1 = picture;
-    auto doc = env.document(u"AU1_bg.lyt"_s);
-    return (doc->Background().isNull() ? u"no background "_s : u"background "_s)
-        + QString::number(doc->BoundsWidth()) + u'x' + QString::number(doc->BoundsHeight());
+    auto s = env.session(u"AU1_bg.lyt"_s);
+    return (s->Background().isNull() ? u"no background "_s : u"background "_s)
+        + QString::number(s->document().BoundsWidth()) + u'x' + QString::number(s->document().BoundsHeight());
 }
 
 QString errorLine(int number, const QString &where)
@@ -174,7 +175,7 @@ const QList<Row> &rows()
         t << Row{"saving to a path longer than the platform allows", {},
                  [longName](Env &e) {
                      e.base->setFileName(e.fx.layoutPath(longName));
-                     addObject(*e.base, 14, 200, 200);
+                     addRecorded(*e.base, 14, 200, 200);
                      const bool saved = e.base->LayoutSave(false);
                      return (saved ? u"saved "_s : u"not saved "_s) + (e.base->Edited() ? u"edited"_s : u"clean"_s);
                  },
@@ -252,7 +253,7 @@ private slots:
             if (r.setup)
                 r.setup(env);
             const auto before = FolderSnapshot(env.fx.app.path());
-            const QString baseBefore = objectsText(*env.base);
+            const QString baseBefore = objectsText(env.base->document());
             if (r.needsPermissions && !OrdinaryUser().permissionsApply())
                 QSKIP("File permissions cannot be made to apply to this process");
 
@@ -274,7 +275,7 @@ private slots:
             QCOMPARE(FolderSnapshot(env.fx.app.path()), before);
             // Every row that is not a pack drop leaves the open layout alone.
             if (!QByteArray(r.name).startsWith("pack with a"))
-                QCOMPARE(objectsText(*env.base).left(baseBefore.size()), baseBefore);
+                QCOMPARE(objectsText(env.base->document()).left(baseBefore.size()), baseBefore);
         }
         options() = saved;
     }

@@ -41,7 +41,7 @@ const char *const kSaverNames[] = {"layout", "pack", "config", "picture"};
 // them. Each saver writes version 0 or 1 of its file into a folder.
 struct Versions {
     Options previous = options();
-    std::unique_ptr<LayoutDocument> docs[2];
+    std::unique_ptr<LayoutSession> docs[2];
     cBitmap pictures[2];
     ScriptedDialogs *dialogs = nullptr;
     Saver saver;
@@ -51,13 +51,14 @@ struct Versions {
     {
         options().AU1 = background;
         for (int v = 0; v < 2; ++v) {
-            docs[v] = std::make_unique<LayoutDocument>();
+            docs[v] = std::make_unique<LayoutSession>();
             docs[v]->setFileName(u"AU1_versions.lyt"_s);
             docs[v]->LayoutLoadBG();
+            LayoutDocument &doc = docs[v]->document();
             for (int i = 0; i < 300; ++i)
-                addObject(*docs[v], 14, 10 + i * 3, 100, 0, 0, true);
-            addObject(*docs[v], 14, 500, 300, v ? 90 : 45, 0, true);
-            docs[v]->SelectionUpdate();
+                addObject(doc, 14, 10 + i * 3, 100, 0, 0, true);
+            addObject(doc, 14, 500, 300, v ? 90 : 45, 0, true);
+            doc.SelectionUpdate();
             pictures[v].CreateFromScan0(64, 48);
             pictures[v].image().fill(v ? Qt::red : Qt::blue);
         }

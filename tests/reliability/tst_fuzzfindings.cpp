@@ -47,13 +47,13 @@ private slots:
         ScriptedDialogs dialogs;
         ClearLoggedErrors();
         WriteFile(m_fx.layoutPath(name), input);
-        auto doc = m_fx.document(name);
+        auto doc = m_fx.session(name);
         QVERIFY(doc->LayoutOpen());
-        QCOMPARE(objectsText(*doc), opened);
+        QCOMPARE(objectsText(doc->document()), opened);
         QVERIFY(doc->LayoutSave(false));
-        auto back = m_fx.document(name);
+        auto back = m_fx.session(name);
         QVERIFY(back->LayoutOpen());
-        QCOMPARE(objectsText(*back), reopened);
+        QCOMPARE(objectsText(back->document()), reopened);
         QCOMPARE(LoggedErrors(), QStringList());
     }
 };

@@ -5,7 +5,8 @@
 #include "base/Language.h"
 #include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/LayoutDocument.h"
+#include "app/LayoutSession.h"
+#include "core/LayoutFormat.h"
 #include "base/Runtime.h"
 #include "support/TestSupport.h"
 
@@ -22,7 +23,9 @@ struct DocumentFixture {
     Options previousOptions = options();
     TempAppFolder app{false};
 
-    explicit DocumentFixture(int w = 1000, int h = 800)
+    int width, height;
+
+    explicit DocumentFixture(int w = 1000, int h = 800) : width(w), height(h)
     {
         QImage bg(w, h, QImage::Format_RGB32);
         bg.fill(Qt::darkGray);
@@ -40,13 +43,34 @@ struct DocumentFixture {
 
     QString layoutPath(const QString &name) const { return app.file(QStringLiteral("layouts/") + name); }
 
-    // A document for a file name with its background loaded.
+    // A session for a file name in layouts/, its background loaded, the file not read.
+    std::unique_ptr<LayoutSession> session(const QString &name) const
+    {
+        auto s = std::make_unique<LayoutSession>();
+        s->setFileName(layoutPath(name));
+        s->LayoutLoadBG();
+        return s;
+    }
+    // A document of the type the name begins with, as a session leaves it with the
+    // fixture's background loaded.
     std::unique_ptr<LayoutDocument> document(const QString &name) const
     {
         auto doc = std::make_unique<LayoutDocument>();
-        doc->setFileName(layoutPath(name));
-        doc->LayoutLoadBG();
+        doc->setLayoutType(name.left(3).toUpper());
+        doc->ResetStartMarker();
+        // An unknown type gets no picture, so no bounds.
+        if (const lyt::TypeInfo *type = lyt::typeInfo(doc->LayoutType())) {
+            doc->setBounds(width, height);
+            doc->setBackgroundScale(float(double(width) / type->span));
+        }
         return doc;
+    }
+    // The fixture's background picture.
+    cBitmap background() const
+    {
+        cBitmap b;
+        b.LoadFromFile(app.file(QStringLiteral("bg.png")));
+        return b;
     }
 };
 
@@ -57,6 +81,12 @@ inline void addObject(LayoutDocument &doc, int id, int x, int y, int angle = 0, 
     int16_t a = int16_t(angle);
     uint8_t w = uint8_t(width);
     doc.ObjectAdd(uint8_t(id), int16_t(x), int16_t(y), a, w, fromView, selected);
+}
+
+// The same as one undo step of the session, as the editor adds an object.
+inline void addRecorded(LayoutSession &session, int id, int x, int y, int angle = 0, int width = 0)
+{
+    session.record(QStringLiteral("add"), 0, [&] { addObject(session.document(), id, x, y, angle, width); });
 }
 
 // The number of the run-time error fn raised, 0 when none.

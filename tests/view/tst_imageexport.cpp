@@ -15,16 +15,16 @@ namespace {
 
 // The picture the export must produce, drawn in one go: the background stretched, and
 // when asked each object, unselected, at its scaled, rounded position with zoom 4 / scale.
-QImage referencePicture(const LayoutDocument &doc, QSize size, bool objects)
+QImage referencePicture(const LayoutDocument &doc, const cBitmap &background, QSize size, bool objects)
 {
     QImage picture(size, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
-    const float scale = float(size.width()) / float(doc.Background().Width());
+    const float scale = float(size.width()) / float(background.Width());
     {
         cGraphics g;
         g.CreateFromHdc(&picture);
         g.SetInterpolationMode(InterpolationModeHighQualityBicubic);
-        g.DrawImageRectI(doc.Background(), 0, 0, size.width(), size.height());
+        g.DrawImageRectI(background, 0, 0, size.width(), size.height());
         for (const varnoObject &o : doc.Objects())
             if (objects) {
                 const auto plain = o.clone();
@@ -48,7 +48,8 @@ class TestImageExport : public QObject {
 
     DocumentFixture m_fx{200, 160};
     std::optional<ScriptedDialogs> m_dialogs;
-    std::unique_ptr<LayoutDocument> m_doc;
+    std::unique_ptr<LayoutSession> m_session;
+    LayoutDocument *m_doc = nullptr;
     QString m_out;
 
 private slots:
@@ -62,7 +63,8 @@ private slots:
             for (int x = 0; x < bg.width(); ++x)
                 bg.setPixel(x, y, qRgb(40 + x / 2, 60 + y / 2, (x * 7 + y * 3) % 64));
         bg.save(options().AU1);
-        m_doc = m_fx.document(QStringLiteral("AU1_export.lyt"));
+        m_session = m_fx.session(QStringLiteral("AU1_export.lyt"));
+        m_doc = &m_session->document();
         QCOMPARE(m_doc->BoundsWidth(), 200);
         addObject(*m_doc, 5, 40, 30, 30);             // an ordinary object, turned
         addObject(*m_doc, Kind::Finish, 100, 80, 0, 20); // a line with a width
@@ -77,7 +79,7 @@ private slots:
     }
     void cleanup()
     {
-        m_doc.reset();
+        m_session.reset();
         m_dialogs.reset();
     }
 
@@ -211,13 +213,13 @@ private slots:
         QFETCH(QSize, size);
         QFETCH(int, tolerance);
         const QString path = m_out + u'/' + name;
-        QVERIFY(LayoutSaveImageFile(*m_doc, path, size.width(), size.height(), 95));
+        QVERIFY(LayoutSaveImageFile(*m_doc, m_session->Background(), path, size.width(), size.height(), 95));
         QVERIFY(m_dialogs->messages.isEmpty());
         QCOMPARE(filesIn(m_out), QStringList{name});
         const QImage back = QImage(path).convertToFormat(QImage::Format_ARGB32);
         QCOMPARE(back.size(), size);
-        const QImage expected = referencePicture(*m_doc, size, true);
-        const QImage bare = referencePicture(*m_doc, size, false);
+        const QImage expected = referencePicture(*m_doc, m_session->Background(), size, true);
+        const QImage bare = referencePicture(*m_doc, m_session->Background(), size, false);
         auto maxOff = [](QRgb a, QRgb b) {
             return std::max({qAbs(qRed(a) - qRed(b)), qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b))});
         };
@@ -265,7 +267,7 @@ private slots:
             WriteFile(path, "old picture");
         double last = -1;
         bool ordered = true;
-        const ImageExportResult r = RenderLayoutImage(ExportScene(*m_doc), path, 2000, 1600, 90, [&](double f) {
+        const ImageExportResult r = RenderLayoutImage(ExportScene(*m_doc, m_session->Background()), path, 2000, 1600, 90, [&](double f) {
             ordered = ordered && f >= last;
             last = f;
             return f < stopAt;
@@ -308,7 +310,7 @@ private slots:
         QFETCH(QSize, size);
         QFETCH(QString, logged);
         QFETCH(QString, shown);
-        QVERIFY(!LayoutSaveImageFile(*m_doc, m_out + u'/' + name, size.width(), size.height(), 90));
+        QVERIFY(!LayoutSaveImageFile(*m_doc, m_session->Background(), m_out + u'/' + name, size.width(), size.height(), 90));
         QCOMPARE(LoggedErrors(), logged.isEmpty() ? QStringList() : QStringList{logged});
         QCOMPARE(m_dialogs->messages.size(), 1);
         QVERIFY2(m_dialogs->messages[0].text.contains(shown.isEmpty() ? logged : shown),

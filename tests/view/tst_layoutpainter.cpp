@@ -14,7 +14,7 @@ class TestLayoutPainter : public DocumentTest {
 
     // Paints doc as view shows it on a black picture of the client size (into out when
     // given); returns what the painter counts as drawn.
-    static int paint(const LayoutDocument &doc, ViewGeometry &view, QImage *out = nullptr)
+    static int paint(const LayoutSession &session, ViewGeometry &view, QImage *out = nullptr)
     {
         QImage target(view.clientWidth(), view.clientHeight(), QImage::Format_ARGB32_Premultiplied);
         target.fill(Qt::black);
@@ -22,7 +22,7 @@ class TestLayoutPainter : public DocumentTest {
         {
             cGraphics g;
             g.CreateFromHdc(&target);
-            drawn = LayoutPainter().Draw(g, doc, view);
+            drawn = LayoutPainter().Draw(g, session.document(), session.Background(), view);
         }
         if (out)
             *out = target;
@@ -33,13 +33,13 @@ class TestLayoutPainter : public DocumentTest {
     void prepare() override { options().AU1 = m_fx.app.file(QStringLiteral("bg.png")); }
 
     // The whole layout painted as the view shows it at zoom.
-    static QImage paintView(const LayoutDocument &doc, ViewGeometry &view, float zoom)
+    static QImage paintView(const LayoutSession &session, ViewGeometry &view, float zoom)
     {
         view.setClientSize(int(1000 * zoom), int(800 * zoom));
         view.setBackground(1000, 800, 1000); // objects at true scale, as on the shipped pictures
         view.setZoom(zoom);
         QImage target;
-        paint(doc, view, &target);
+        paint(session, view, &target);
         return target;
     }
     static QPoint inView(const ViewGeometry &view, int x, int y)
@@ -97,7 +97,8 @@ private slots:
         QFETCH(int, x);
         QFETCH(int, y);
         QFETCH(int, drawn);
-        auto doc = m_fx.document(QStringLiteral("AU1_cull.lyt"));
+        auto session = m_fx.session(QStringLiteral("AU1_cull.lyt"));
+        auto *doc = &session->document();
         addObject(*doc, 20, x, y);
         ViewGeometry view;
         view.setClientSize(200, 100);
@@ -105,18 +106,19 @@ private slots:
         view.setZoom(1.0f);
         view.setScroll(0, 500);
         view.setScroll(1, 300);
-        QCOMPARE(paint(*doc, view) - 1, drawn); // the start marker left out
+        QCOMPARE(paint(*session, view) - 1, drawn); // the start marker left out
     }
 
     void withoutBackgroundNothingIsDrawn()
     {
         options().AU1 = m_fx.app.file(QStringLiteral("missing.png"));
-        auto doc = m_fx.document(QStringLiteral("AU1_none.lyt"));
-        QVERIFY(doc->Background().isNull());
+        auto session = m_fx.session(QStringLiteral("AU1_none.lyt"));
+        auto *doc = &session->document();
+        QVERIFY(session->Background().isNull());
         ViewGeometry view;
         view.setClientSize(200, 100);
         QImage target;
-        QCOMPARE(paint(*doc, view, &target), 0);
+        QCOMPARE(paint(*session, view, &target), 0);
         QCOMPARE(target.pixel(100, 50), qRgb(0, 0, 0));
     }
 
@@ -131,7 +133,8 @@ private slots:
         const QString path = m_fx.app.file(QStringLiteral("halves.png"));
         bg.save(path);
         options().AU1 = path;
-        auto doc = m_fx.document(QStringLiteral("AU1_halves.lyt"));
+        auto session = m_fx.session(QStringLiteral("AU1_halves.lyt"));
+        auto *doc = &session->document();
         ViewGeometry view;
         view.setClientSize(100, 100);
         view.setBackground(400, 300, 1630);
@@ -141,7 +144,7 @@ private slots:
             QImage target(100, 100, QImage::Format_ARGB32_Premultiplied);
             cGraphics g;
             g.CreateFromHdc(&target);
-            painter.DrawBackground(g, *doc, view);
+            painter.DrawBackground(g, session->Background(), view);
             g.Handle()->end();
             return target.pixel(50, 50);
         };
@@ -164,10 +167,11 @@ private slots:
     {
         QFETCH(bool, exported);
         QFETCH(QList<int>, percents);
-        auto doc = m_fx.document(QStringLiteral("AU1_lines.lyt"));
+        auto session = m_fx.session(QStringLiteral("AU1_lines.lyt"));
+        auto *doc = &session->document();
         addObject(*doc, Kind::Finish, 500, 100, 0, 10);
         varnoObject &line = doc->Objects().At(0);
-        const QRgb ground = doc->Background().Handle().pixel(0, 0);
+        const QRgb ground = session->Background().Handle().pixel(0, 0);
         for (int percent : percents)
             for (int angle : {0, 45, 90})
                 for (int width = 2; width <= 30; ++width) {
@@ -178,11 +182,11 @@ private slots:
                     if (exported) {
                         // Only the rows around the line: the scale follows the width.
                         picture = QImage(10 * percent, 2 * percent, QImage::Format_ARGB32_Premultiplied);
-                        QVERIFY(RenderLayoutPicture(ExportScene(*doc), picture));
+                        QVERIFY(RenderLayoutPicture(ExportScene(*doc, session->Background()), picture));
                         centre = QPoint(5 * percent, percent);
                     } else {
                         ViewGeometry view;
-                        picture = paintView(*doc, view, float(percent) / 100.0f);
+                        picture = paintView(*session, view, float(percent) / 100.0f);
                         centre = inView(view, 500, 100);
                     }
                     // 22.8 picture pixels per unit of width, four to a layout unit.
@@ -216,13 +220,14 @@ private slots:
     {
         QFETCH(float, zoom);
         QFETCH(bool, marker);
-        auto doc = m_fx.document(QStringLiteral("AU1_selection.lyt"));
+        auto session = m_fx.session(QStringLiteral("AU1_selection.lyt"));
+        auto *doc = &session->document();
         addObject(*doc, Kind::Finish, 300, 300, 0, 10, true);
         addObject(*doc, 27, 500, 400, 0, 0, true);
         addObject(*doc, Kind::Checkpoint1, 700, 500, 0, 10, true);
         addObject(*doc, 27, 850, 150); // not selected, outside the selection
         ViewGeometry view;
-        const QImage picture = paintView(*doc, view, zoom);
+        const QImage picture = paintView(*session, view, zoom);
         QRect outline;
         for (int y = 0; y < picture.height(); ++y)
             for (int x = 0; x < picture.width(); ++x)
@@ -236,7 +241,7 @@ private slots:
         QCOMPARE(colourNear(picture, inView(view, 500, 400), 4, SelectionColour, 24), marker);
 
         QImage exported(500, 400, QImage::Format_ARGB32_Premultiplied);
-        QVERIFY(RenderLayoutPicture(ExportScene(*doc), exported));
+        QVERIFY(RenderLayoutPicture(ExportScene(*doc, session->Background()), exported));
         QVERIFY(!colourNear(exported, {250, 200}, 250, SelectionColour, 24));
     }
 };

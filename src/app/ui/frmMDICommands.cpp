@@ -280,8 +280,8 @@ void frmMDI::SaveCommand(int index)
         return;
     if (index == 0 || index == 1) {
         if (m_current->LayoutSave(index == 1)) {
-            RecentAdd(m_current->document().FileName());
-            m_tabs->setTabToolTip(m_current->TabIndex(), m_current->document().FileName());
+            RecentAdd(m_current->session().FileName());
+            m_tabs->setTabToolTip(m_current->TabIndex(), m_current->session().FileName());
         }
     } else if (index == 2) {
         m_current->LayoutSaveImage();

@@ -3,7 +3,7 @@
 #include "base/Language.h"
 #include "base/Settings.h"
 #include "base/Dialogs.h"
-#include "core/LayoutDocument.h"
+#include "app/LayoutSession.h"
 #include "view/LayoutImageExport.h"
 #include "view/SaveImageRules.h"
 #include "view/ui/frmSave.h"
@@ -16,11 +16,11 @@
 #include <atomic>
 #include <memory>
 
-bool SaveImageWithProgress(const LayoutDocument &doc, const QString &fileName, int width, int height, int quality,
+bool SaveImageWithProgress(const LayoutSession &session, const QString &fileName, int width, int height, int quality,
                            QWidget *parent)
 {
     // Copied here, on the window's thread: the window may repaint while the worker draws.
-    const ExportScene scene(doc);
+    const ExportScene scene(session.document(), session.Background());
 
     std::atomic<int> permille{0};
     std::atomic<bool> cancelled{false};
@@ -60,14 +60,14 @@ bool SaveImageWithProgress(const LayoutDocument &doc, const QString &fileName, i
     return result.status == ImageExportResult::Written;
 }
 
-bool LayoutSaveImage(LayoutDocument &doc, QWidget *parent)
+bool LayoutSaveImage(const LayoutSession &session, QWidget *parent)
 {
     const Options &o = options();
     FileDialogRequest request;
     request.filter = SaveImageFilter(o.SaveType);
     request.filterIndex = 1;
     request.initialDir = o.SaveFolder;
-    request.fileName = SaveImageProposedName(doc.LayoutName(), o.SaveType);
+    request.fileName = SaveImageProposedName(session.LayoutName(), o.SaveType);
     const QString chosen = dialogs().saveFile(request);
     if (chosen.isEmpty())
         return false;
@@ -77,8 +77,8 @@ bool LayoutSaveImage(LayoutDocument &doc, QWidget *parent)
     bool written = false;
     frmSave dialog(parent);
     dialog.setSaveCallback([&](const QString &fileName, int width, int height, int quality) {
-        written = SaveImageWithProgress(doc, fileName, width, height, quality, &dialog);
+        written = SaveImageWithProgress(session, fileName, width, height, quality, &dialog);
     });
-    dialog.Save(chosen, doc.Background().Width(), doc.Background().Height(), o.SavePercent, o.SaveQuality);
+    dialog.Save(chosen, session.Background().Width(), session.Background().Height(), o.SavePercent, o.SaveQuality);
     return written;
 }

@@ -14,14 +14,12 @@
 #include "view/ui/LayoutSaveImage.h"
 #include "view/ui/LayoutTool.h"
 
-#include <QFileInfo>
 #include <QGridLayout>
 #include <QPainter>
-#include <QScopeGuard>
 #include <QScrollBar>
 #include <cmath>
 
-frmLayout::frmLayout(QWidget *parent) : QWidget(parent)
+frmLayout::frmLayout(QWidget *parent) : QWidget(parent), m_doc(m_session.document())
 {
     m_canvas = new LayoutCanvas(this);
     m_hbar = new QScrollBar(Qt::Horizontal, this);
@@ -60,14 +58,10 @@ frmLayout::frmLayout(QWidget *parent) : QWidget(parent)
         Draw();
         emit ObjectUpdated(s, c1, c2, c3, f);
     });
-    connect(&m_doc, &LayoutDocument::LayoutNameChanged, this, [this] { emit Updated(); });
-    // Unsaved changes are whatever lies between the saved point and the present one,
-    // so undoing back to the save clears the mark and undoing past it sets it again.
-    connect(&m_undo, &QUndoStack::indexChanged, this, [this] {
-        syncEdited();
-        emit Updated();
-    });
-    connect(&m_undo, &QUndoStack::cleanChanged, this, [this] { syncEdited(); });
+    connect(&m_session, &LayoutSession::LayoutNameChanged, this, [this] { emit Updated(); });
+    // The tab's unsaved-changes mark follows the history.
+    connect(&m_session.undoStack(), &QUndoStack::indexChanged, this, [this] { emit Updated(); });
+    connect(&m_session.undoStack(), &QUndoStack::cleanChanged, this, [this] { emit Updated(); });
 
     m_select = std::make_unique<SelectTool>(*this);
     m_zoomTool = std::make_unique<ZoomTool>(*this);
@@ -79,7 +73,7 @@ frmLayout::~frmLayout()
 {
     // The undo stack clears itself as it goes and reports the change; by then the
     // main window listening to this document may itself be half destroyed.
-    m_undo.blockSignals(true);
+    m_session.undoStack().blockSignals(true);
     disconnect();
 }
 
@@ -90,17 +84,10 @@ QWidget *frmLayout::canvas() const
 
 bool frmLayout::Initilize(const QString &FileName)
 {
-    m_doc.setFileName(FileName);
-    // A missing background or an unknown type has been told to the user; the document
-    // still opens, without bounds, so nothing can be placed until a picture is there.
-    m_doc.LayoutLoadBG();
+    if (!m_session.open(FileName))
+        return false;
     const lyt::TypeInfo *type = lyt::typeInfo(m_doc.LayoutType());
     m_view.setBackground(m_doc.BoundsWidth(), m_doc.BoundsHeight(), type ? int32_t(type->span) : 0);
-    if (QFileInfo::exists(FileName) && !m_doc.LayoutOpen())
-        return false;
-    m_undo.clear();
-    m_undo.setClean();
-    syncEdited();
     m_fitPending = true;
     if (m_canvas->width() > 0 && m_canvas->height() > 0)
         canvasResized(m_canvas->width(), m_canvas->height());
@@ -154,13 +141,13 @@ void frmLayout::setLaps(uint8_t laps)
 
 QString frmLayout::Caption() const
 {
-    return m_doc.Edited() ? m_doc.LayoutName() + QStringLiteral(" *") : m_doc.LayoutName();
+    return m_session.Edited() ? m_session.LayoutName() + QStringLiteral(" *") : m_session.LayoutName();
 }
 
 void frmLayout::setBGName(const QString &name)
 {
     guarded(QStringLiteral("frmLayout.BGName"), [&] {
-        m_doc.setBGName(name);
+        m_session.setBGName(name);
         m_painter.invalidate();
         m_view.setBackgroundSize(m_doc.BoundsWidth(), m_doc.BoundsHeight());
         m_view.setZoom(m_view.Zoom());
@@ -171,38 +158,8 @@ void frmLayout::setBGName(const QString &name)
 
 void frmLayout::record(const QString &text, int mergeKey, const std::function<void()> &fn)
 {
-    if (mergeKey == 0)
-        breakMerge();
-    // An operation that changed nothing pushes no step, yet may have marked the
-    // document; the undo stack alone says whether it differs from the file.
-    const auto sync = qScopeGuard([this] { syncEdited(); });
-    RecordEdit(m_undo, m_doc, text, mergeKey, fn, [this] { onRestored(); });
+    m_session.record(text, mergeKey, fn);
     Draw();
-}
-
-void frmLayout::syncEdited()
-{
-    m_doc.setEdited(!m_undo.isClean());
-}
-
-int frmLayout::mergeKeyFor(int kind)
-{
-    // A series only goes on while it acts on the same objects.
-    QStringList selected;
-    for (const selObject &s : m_doc.Selection())
-        selected << s.strKey;
-    if (kind != m_lastMergeKind || selected != m_lastMergeSelection) {
-        ++m_mergeSerial;
-        m_lastMergeKind = kind;
-        m_lastMergeSelection = selected;
-    }
-    return kind * 1000000 + m_mergeSerial;
-}
-
-void frmLayout::onRestored()
-{
-    m_doc.SelectionUpdate(true);
-    m_doc.RaiseUpdates();
 }
 
 void frmLayout::Undo()
@@ -210,7 +167,7 @@ void frmLayout::Undo()
     if (LayoutTool *t = activeTool(); t && t->busy())
         return;
     breakMerge();
-    guarded(QStringLiteral("frmLayout.Undo"), [&] { m_undo.undo(); });
+    guarded(QStringLiteral("frmLayout.Undo"), [&] { m_session.undoStack().undo(); });
 }
 
 void frmLayout::Redo()
@@ -218,16 +175,14 @@ void frmLayout::Redo()
     if (LayoutTool *t = activeTool(); t && t->busy())
         return;
     breakMerge();
-    guarded(QStringLiteral("frmLayout.Redo"), [&] { m_undo.redo(); });
+    guarded(QStringLiteral("frmLayout.Redo"), [&] { m_session.undoStack().redo(); });
 }
 
 // --- operations --------------------------------------------------------------------
 
 bool frmLayout::LayoutSave(bool SaveAs)
 {
-    const bool saved = m_doc.LayoutSave(SaveAs);
-    if (saved)
-        m_undo.setClean();
+    const bool saved = m_session.LayoutSave(SaveAs);
     emit Updated();
     return saved;
 }
@@ -275,15 +230,13 @@ void frmLayout::ObjectAdd(uint8_t ID, int16_t X, int16_t Y, int16_t Angle, uint8
 
 void frmLayout::PackWrite()
 {
-    m_doc.PackWrite();
+    m_session.PackWrite();
 }
 
 void frmLayout::PackRead(const QString &name, int16_t x, int16_t y)
 {
-    record(QFileInfo(name).completeBaseName(), 0, [&] {
-        m_doc.PackRead(name, x, y);
-        m_doc.RaiseUpdates();
-    });
+    m_session.PackRead(name, x, y);
+    Draw();
 }
 
 void frmLayout::GoToStart()
@@ -356,7 +309,7 @@ void frmLayout::paintCanvas(QPainter &painter)
     cGraphics graphics;
     if (!graphics.CreateFromPainter(&painter))
         return;
-    guarded(QStringLiteral("frmLayout.Draw"), [&] { m_painter.Draw(graphics, m_doc, m_view); }, false);
+    guarded(QStringLiteral("frmLayout.Draw"), [&] { m_painter.Draw(graphics, m_doc, m_session.Background(), m_view); }, false);
     if (m_preview.active) {
         for (size_t i = 0; i < m_preview.objects.size(); ++i) {
             const QPoint at = m_preview.at + m_preview.offsets[i];
@@ -399,11 +352,10 @@ void frmLayout::applyFirstFit()
 
 bool frmLayout::QueryClose()
 {
-    // Steps that can be redone are history too: save, then undo, and the document
-    // differs from the file again.
-    if (m_undo.count() == 0 || !m_doc.Edited())
+    if (!m_session.Edited())
         return true;
-    const MsgResult answer = dialogs().message(Lang(169), m_doc.LayoutName(), MsgIcon::Question, MsgButtons::YesNoCancel);
+    const MsgResult answer =
+        dialogs().message(Lang(169), m_session.LayoutName(), MsgIcon::Question, MsgButtons::YesNoCancel);
     if (answer == MsgResult::Cancel)
         return false;
     if (answer == MsgResult::Yes)
@@ -413,5 +365,5 @@ bool frmLayout::QueryClose()
 
 void frmLayout::LayoutSaveImage()
 {
-    ::LayoutSaveImage(m_doc, this);
+    ::LayoutSaveImage(m_session, this);
 }

@@ -1,15 +1,14 @@
 #pragma once
-// The window of one open layout. It owns the document, the view geometry, the undo
-// history and the mouse tools; the main window drives it through the members below and
+// The window of one open layout. It owns the layout's session (document, undo history,
+// background and file), the view geometry and the mouse tools; the main window drives it through the members below and
 // listens to its three events (Message, Updated, ObjectUpdated).
 
-#include "core/LayoutDocument.h"
+#include "app/LayoutSession.h"
 #include "view/LayoutPainter.h"
 #include "view/ViewGeometry.h"
 
 #include <QPointer>
 #include <QStringList>
-#include <QUndoStack>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -40,17 +39,17 @@ public:
     void setObjectZoom(int16_t percent);
     int Tool() const { return m_tool; }
     void setTool(int tool);
-    uint8_t Laps() const { return m_doc.Laps(); }
+    uint8_t Laps() const { return m_session.document().Laps(); }
     void setLaps(uint8_t laps);
-    bool Edited() const { return m_doc.Edited(); }
-    QString LayoutName() const { return m_doc.LayoutName(); }
-    QString LayoutType() const { return m_doc.LayoutType(); }
-    int16_t ObjectCount() const { return m_doc.ObjectCount(); }
+    bool Edited() const { return m_session.Edited(); }
+    QString LayoutName() const { return m_session.LayoutName(); }
+    QString LayoutType() const { return m_session.LayoutType(); }
+    int16_t ObjectCount() const { return m_session.document().ObjectCount(); }
     int TabIndex() const { return m_tabIndex; }
     void setTabIndex(int index) { m_tabIndex = index; }
     // The tab's text: the layout's name, marked while there are unsaved changes.
     QString Caption() const;
-    QString BGName() const { return m_doc.BGName(); }
+    QString BGName() const { return m_session.BGName(); }
     // Loads another picture from the backgrounds folder and re-fits the view.
     void setBGName(const QString &name);
     int16_t LineSpacing() const { return m_lineSpacing; }
@@ -88,19 +87,19 @@ public:
     bool QueryClose();
 
     // --- undo -------------------------------------------------------------------------
-    QUndoStack *undoStack() { return &m_undo; }
+    QUndoStack *undoStack() { return &m_session.undoStack(); }
     void Undo();
     void Redo();
     // Runs an edit as one undo step (merged with the previous one when mergeKey matches).
     void record(const QString &text, int mergeKey, const std::function<void()> &fn);
-    // A merge key for a series of small edits of one kind (nudges, angle typing, laps):
-    // the same key while nothing else happens in between.
-    int mergeKeyFor(int kind);
-    void breakMerge() { m_lastMergeKind = 0; }
+    int mergeKeyFor(int kind) { return m_session.mergeKeyFor(kind); }
+    void breakMerge() { m_session.breakMerge(); }
 
     // --- for the tools and tests ------------------------------------------------------
-    LayoutDocument &document() { return m_doc; }
-    const LayoutDocument &document() const { return m_doc; }
+    LayoutSession &session() { return m_session; }
+    const LayoutSession &session() const { return m_session; }
+    LayoutDocument &document() { return m_session.document(); }
+    const LayoutDocument &document() const { return m_session.document(); }
     ViewGeometry &view() { return m_view; }
     QWidget *canvas() const;
     QPoint pointer() const { return {m_pointerX, m_pointerY}; }
@@ -133,9 +132,6 @@ private:
     void paintCanvas(QPainter &painter);
     void canvasResized(int width, int height);
     void mouseEvent(QMouseEvent *event);
-    void onRestored();
-    // The document is edited exactly when the undo stack is away from its saved point.
-    void syncEdited();
     // Keeps a view point as the last pointer position, in layout units.
     void setPointerAt(const QPointF &viewPos);
     // Puts the palette preview under a view point.
@@ -143,10 +139,10 @@ private:
     void applyFirstFit();
     LayoutTool *activeTool() const;
 
-    LayoutDocument m_doc;
+    LayoutSession m_session;
+    LayoutDocument &m_doc; // the session's, for brevity
     ViewGeometry m_view;
     LayoutPainter m_painter;
-    QUndoStack m_undo;
     LayoutCanvas *m_canvas = nullptr;
     QScrollBar *m_hbar = nullptr;
     QScrollBar *m_vbar = nullptr;
@@ -163,9 +159,6 @@ private:
     int16_t m_lineSpacing = 20;
     int m_tabIndex = -1;
     bool m_fitPending = true;
-    int m_lastMergeKind = 0;
-    int m_mergeSerial = 0;
-    QStringList m_lastMergeSelection;
     bool m_panning = false;
     QPoint m_panFrom;
 

@@ -37,7 +37,8 @@ class TestSaveImage : public QObject {
 
     DocumentFixture m_fx{1000, 800};
     std::optional<ScriptedDialogs> m_dialogs;
-    std::unique_ptr<LayoutDocument> m_doc;
+    std::unique_ptr<LayoutSession> m_session;
+    LayoutDocument *m_doc = nullptr;
 
 private slots:
     void init()
@@ -49,14 +50,15 @@ private slots:
         options().SaveType = "png";
         options().SavePercent = 50;
         options().SaveQuality = 80;
-        m_doc = m_fx.document("AU1_track.lyt");
+        m_session = m_fx.session("AU1_track.lyt");
+        m_doc = &m_session->document();
         addObject(*m_doc, 5, 500, 400);
         QDir(m_fx.app.file("pictures")).removeRecursively();
         QDir().mkpath(m_fx.app.file("pictures"));
     }
     void cleanup()
     {
-        m_doc.reset();
+        m_session.reset();
         m_dialogs.reset();
     }
 
@@ -117,7 +119,7 @@ private slots:
             m_dialogs->saveAnswers << path;
         if (!button.isEmpty())
             whenDialogShows([](frmSave &) {}, button);
-        QCOMPARE(LayoutSaveImage(*m_doc, nullptr), size.isValid());
+        QCOMPARE(LayoutSaveImage(*m_session, nullptr), size.isValid());
         QCOMPARE(m_dialogs->saveRequests.size(), 1);
         const FileDialogRequest &r = m_dialogs->saveRequests[0];
         QCOMPARE(r.fileName, QString("AU1_track.png"));
@@ -157,11 +159,11 @@ private slots:
         });
         repaint.start(0);
         const QString path = m_fx.app.file("pictures/busy.png");
-        QVERIFY(SaveImageWithProgress(*m_doc, path, 4000, 3200, 90, nullptr));
+        QVERIFY(SaveImageWithProgress(*m_session, path, 4000, 3200, 90, nullptr));
         repaint.stop();
         QVERIFY(paints > 0);
         QImage expected(4000, 3200, QImage::Format_ARGB32_Premultiplied);
-        QVERIFY(RenderLayoutPicture(ExportScene(*m_doc), expected));
+        QVERIFY(RenderLayoutPicture(ExportScene(*m_doc, m_session->Background()), expected));
         QVERIFY(QImage(path).convertToFormat(QImage::Format_RGB32) == expected.convertToFormat(QImage::Format_RGB32));
     }
 };
