@@ -1,5 +1,6 @@
 #include "cli/CliLayout.h"
 
+#include "base/Language.h"
 #include "core/LayoutFormat.h"
 
 #include <QDir>
@@ -11,8 +12,8 @@ namespace cli {
 
 OpenedLayout::OpenedLayout(const QString &file)
 {
-    QObject::connect(&session.document(), &LayoutDocument::Message,
-                     [this](bool, int16_t, int16_t, const QString &text) { messages << text; });
+    QObject::connect(&session.document(), &LayoutDocument::Refused,
+                     [this](LayoutDocument::Refusal why, int16_t, int16_t) { messages << Lang(why); });
     opened = session.open(QFileInfo(file).absoluteFilePath(), LayoutSession::Missing::Refuse);
 }
 

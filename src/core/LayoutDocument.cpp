@@ -1,6 +1,5 @@
 #include "core/LayoutDocument.h"
 
-#include "base/Language.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutFormat.h"
 #include "base/Runtime.h"
@@ -39,9 +38,9 @@ void LayoutDocument::setLaps(uint8_t laps)
     emit Updated();
 }
 
-void LayoutDocument::refuse(int slot)
+void LayoutDocument::refuse(Refusal why)
 {
-    emit Message(true, m_pointerX, m_pointerY, Lang(slot));
+    emit Refused(why, m_pointerX, m_pointerY);
 }
 
 void LayoutDocument::ObjectAdd(uint8_t ID, int16_t X, int16_t Y, int16_t &Angle, uint8_t &Width, bool &FromView,
@@ -50,7 +49,7 @@ void LayoutDocument::ObjectAdd(uint8_t ID, int16_t X, int16_t Y, int16_t &Angle,
     // The limit is tested for equality only, and before anything else, so at the limit
     // even marshall-class objects (which do not count) are refused.
     if (m_objects.Count() - m_marshallCount == MaxCountedObjects) {
-        refuse(160);
+        refuse(TooManyObjects);
         return;
     }
     if (FromView) {
@@ -62,7 +61,7 @@ void LayoutDocument::ObjectAdd(uint8_t ID, int16_t X, int16_t Y, int16_t &Angle,
         Y = rt::toInt16(static_cast<long long>(vy));
     }
     if (X < 1 || X > BoundsWidth() || Y < 1 || Y > BoundsHeight()) {
-        refuse(163);
+        refuse(OutsideTheLayout);
         return;
     }
 
@@ -101,7 +100,7 @@ void LayoutDocument::ObjectAdd(uint8_t ID, int16_t X, int16_t Y, int16_t &Angle,
     } else {
         rt::checkIndex(ID, 0, KindCount - 1);
         if (FileIndexForKind(ID, IsAuSite()) == NotAtSite) {
-            refuse(162);
+            refuse(NotAtThisSite);
             return;
         }
         object = std::make_unique<nrmlObject>();
@@ -110,7 +109,7 @@ void LayoutDocument::ObjectAdd(uint8_t ID, int16_t X, int16_t Y, int16_t &Angle,
         wasPlaced = *uniqueFlag;
         *uniqueFlag = true;
         if (wasPlaced) {
-            refuse(161);
+            refuse(AlreadyPlaced);
             return;
         }
     }

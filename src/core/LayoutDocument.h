@@ -3,7 +3,7 @@
 // with its bounds, the selection, and the bytes of layout and pack files. It opens no
 // file and shows nothing: LayoutSession does the files and dialogs around it.
 //
-// Refusals come back as Message; run-time errors go to the caller.
+// Refusals come back through Refused; run-time errors go to the caller.
 
 #include "core/LayoutObject.h"
 #include "core/ObjectCollection.h"
@@ -12,6 +12,7 @@
 #include <QObject>
 #include <QPoint>
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -58,6 +59,10 @@ QByteArray PackBytes(int16_t width, int16_t height, const QList<PackRecord> &rec
 class LayoutDocument : public QObject {
     Q_OBJECT
 public:
+    // Why an object was not placed. Each value is the language slot that words it.
+    enum Refusal { TooManyObjects = 160, AlreadyPlaced = 161, NotAtThisSite = 162, OutsideTheLayout = 163 };
+    Q_ENUM(Refusal)
+
     // Turns view (client) pixels into layout coordinates in place.
     using ViewToLayout = std::function<void(int32_t &x, int32_t &y)>;
 
@@ -110,7 +115,7 @@ public:
     // type's start (at 0,0 for an unknown type). Drawing refreshes the marker's cached
     // pictures, like the objects'; nullptr before the first call.
     void ResetStartMarker();
-    varnoObject *StartMarker() const { return m_startMarker.get(); }
+    const varnoObject *StartMarker() const { return m_startMarker.get(); }
 
     // --- selection ----------------------------------------------------------------
     // Rebuilds the selection list and bounds from the objects' Selected flags, in
@@ -122,6 +127,10 @@ public:
     void RaiseUpdates();
     // Marks every object selected (or none) and rebuilds the selection.
     void SelectAll(bool selected = true);
+    // Selects the objects under keys: only them (Replace), them as well (Add), or each
+    // the other way round (Toggle); then rebuilds the selection and raises the updates.
+    enum class SelectMode { Replace, Add, Toggle };
+    void Select(const QStringList &keys, SelectMode mode);
 
     // --- selection operations (they rebuild the selection and raise the updates) ----
     // The rotation last applied to the selection as a group; back to 0 whenever the
@@ -161,12 +170,13 @@ public:
     void PlacePack(const PackData &pack, int16_t x, int16_t y);
 
 signals:
-    void Message(bool refusal, int16_t x, int16_t y, const QString &text);
+    // An object was refused at the pointer's last position (layout units).
+    void Refused(LayoutDocument::Refusal why, int16_t x, int16_t y);
     void Updated();
     void ObjectUpdated(bool start, bool checkpoint1, bool checkpoint2, bool checkpoint3, bool finish);
 
 private:
-    void refuse(int slot);
+    void refuse(Refusal why);
     void resetContent();
 
     QString m_layoutType;

@@ -136,7 +136,7 @@ QRect varnoObject::DrawnRect(int x, int y, float zoom) const
     return QRect(corner, QSize(size, size));
 }
 
-void varnoObject::drawPicture(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes)
+void varnoObject::drawPicture(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) const
 {
     if (m_image.isNull())
         return;
@@ -196,7 +196,7 @@ void nrmlObject::Update(int16_t angle, uint8_t)
     });
 }
 
-void nrmlObject::Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes)
+void nrmlObject::Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) const
 {
     drawPicture(x, y, graphics, zoom, attributes);
 }
@@ -240,7 +240,7 @@ void ctrlObject::Update(int16_t angle, uint8_t width)
     });
 }
 
-void ctrlObject::Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes)
+void ctrlObject::Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) const
 {
     drawPicture(x, y, graphics, zoom, attributes);
 }
@@ -286,7 +286,7 @@ void mrshObject::Update(int16_t angle, uint8_t width)
     });
 }
 
-void mrshObject::Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes)
+void mrshObject::Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) const
 {
     const bool checker = m_id == Kind::RouteChecker;
     const uint32_t colour = checker ? (m_selected ? 0xFF90EE90u : 0xFF00FF00u)

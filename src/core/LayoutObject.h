@@ -44,7 +44,7 @@ public:
     // pixel (larger is smaller). A selected object is drawn highlighted. The tinted,
     // scaled picture is kept for the next draw, matched by the attributes' address, so
     // pass long-lived attributes (the program-wide ones).
-    virtual void Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) = 0;
+    virtual void Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) const = 0;
 
     // Where the object's picture lands when drawn centred on (x, y) at zoom: its visible
     // part when it was last drawn at that size, else its whole square. Empty without a
@@ -70,7 +70,7 @@ protected:
     // The edge of the square the picture is drawn into: round(width / zoom), at least 1.
     int drawnSize(float zoom) const;
     // Draws the picture into that square, centred on (x, y).
-    void drawPicture(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes);
+    void drawPicture(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) const;
     void setImage(cBitmap &&image);
 
     int16_t m_x = 0;
@@ -82,12 +82,13 @@ protected:
     int16_t m_angle = 0;
     cBitmap m_image;
     mutable QImage m_highlighted;
-    // The picture as last drawn, tinted and scaled to its size on screen.
-    QImage m_sprite;
-    int m_spriteSize = -1;
-    const ColorMatrix *m_spriteTint = nullptr;
-    bool m_spriteSmooth = true;
-    QRect m_spriteOpaque;
+    // The picture as last drawn, tinted and scaled to its size on screen: a cache, so
+    // drawing a const object may refresh it.
+    mutable QImage m_sprite;
+    mutable int m_spriteSize = -1;
+    mutable const ColorMatrix *m_spriteTint = nullptr;
+    mutable bool m_spriteSmooth = true;
+    mutable QRect m_spriteOpaque;
 };
 
 class nrmlObject : public varnoObject {
@@ -96,7 +97,7 @@ public:
     void setID(int16_t id) override; // ID 0 makes the key "start"
     uint8_t Width() const override { return 0; }
     void Update(int16_t angle, uint8_t width = 0) override;
-    void Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) override;
+    void Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) const override;
     std::unique_ptr<varnoObject> clone() const override;
 
 private:
@@ -109,7 +110,7 @@ public:
     void setID(int16_t id) override; // 0..4 give "start", "finish", "checkpoint 1".."3"
     uint8_t Width() const override { return m_width; }
     void Update(int16_t angle, uint8_t width) override;
-    void Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) override;
+    void Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) const override;
     std::unique_ptr<varnoObject> clone() const override;
 
 private:
@@ -125,7 +126,7 @@ public:
     int16_t ImageSize() const override; // Width x 23
     QRect DrawnRect(int x, int y, float zoom) const override; // the circle and any picture
     void Update(int16_t angle, uint8_t width) override;
-    void Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) override;
+    void Draw(int x, int y, cGraphics &graphics, float zoom, const ColorMatrix *attributes) const override;
     std::unique_ptr<varnoObject> clone() const override;
 
     // The circle's colour as set with the ID (green for route checkers, red otherwise).

@@ -15,21 +15,21 @@ varnoObject &ObjectCollection::Add(std::unique_ptr<varnoObject> object, const QS
     return *m_items.back().second;
 }
 
-varnoObject &ObjectCollection::Item(const QString &key) const
+const varnoObject &ObjectCollection::Item(const QString &key) const
 {
-    varnoObject *o = Find(key);
+    const varnoObject *o = Find(key);
     if (!o)
         rt::raise(rt::InvalidCall);
     return *o;
 }
 
-varnoObject *ObjectCollection::Find(const QString &key) const
+const varnoObject *ObjectCollection::Find(const QString &key) const
 {
     const auto it = m_index.constFind(key);
     return it == m_index.constEnd() ? nullptr : m_items[size_t(*it)].second.get();
 }
 
-varnoObject &ObjectCollection::At(int index) const
+const varnoObject &ObjectCollection::At(int index) const
 {
     rt::checkIndex(index, 0, Count() - 1);
     return *m_items[size_t(index)].second;

@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QString>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class ObjectCollection {
@@ -24,11 +25,14 @@ public:
     // dropped; the collection is unchanged.
     varnoObject &Add(std::unique_ptr<varnoObject> object, const QString &key);
     // The object stored under key; error 5 when there is none.
-    varnoObject &Item(const QString &key) const;
+    varnoObject &Item(const QString &key) { return const_cast<varnoObject &>(std::as_const(*this).Item(key)); }
+    const varnoObject &Item(const QString &key) const;
     // nullptr when there is no such key.
-    varnoObject *Find(const QString &key) const;
+    varnoObject *Find(const QString &key) { return const_cast<varnoObject *>(std::as_const(*this).Find(key)); }
+    const varnoObject *Find(const QString &key) const;
     // By position in insertion order, 0-based; error 9 outside.
-    varnoObject &At(int index) const;
+    varnoObject &At(int index) { return const_cast<varnoObject &>(std::as_const(*this).At(index)); }
+    const varnoObject &At(int index) const;
     // Position of a key in insertion order, or -1.
     int IndexOf(const QString &key) const { return m_index.value(key, -1); }
     // The key an entry was stored under (normally the object's own Key).
@@ -38,23 +42,28 @@ public:
     std::unique_ptr<varnoObject> Remove(const QString &key);
     void Clear();
 
-    class const_iterator {
+    // Iterating a const collection gives const objects.
+    template <typename Object, typename Inner> class basic_iterator {
     public:
-        using Inner = std::vector<std::pair<QString, std::unique_ptr<varnoObject>>>::const_iterator;
-        explicit const_iterator(Inner it) : m_it(it) {}
-        varnoObject &operator*() const { return *m_it->second; }
-        varnoObject *operator->() const { return m_it->second.get(); }
-        const_iterator &operator++() { ++m_it; return *this; }
-        bool operator==(const const_iterator &o) const { return m_it == o.m_it; }
-        bool operator!=(const const_iterator &o) const { return m_it != o.m_it; }
+        explicit basic_iterator(Inner it) : m_it(it) {}
+        Object &operator*() const { return *m_it->second; }
+        Object *operator->() const { return m_it->second.get(); }
+        basic_iterator &operator++() { ++m_it; return *this; }
+        bool operator==(const basic_iterator &o) const { return m_it == o.m_it; }
+        bool operator!=(const basic_iterator &o) const { return m_it != o.m_it; }
 
     private:
         Inner m_it;
     };
+    using Items = std::vector<std::pair<QString, std::unique_ptr<varnoObject>>>;
+    using iterator = basic_iterator<varnoObject, Items::iterator>;
+    using const_iterator = basic_iterator<const varnoObject, Items::const_iterator>;
+    iterator begin() { return iterator(m_items.begin()); }
+    iterator end() { return iterator(m_items.end()); }
     const_iterator begin() const { return const_iterator(m_items.cbegin()); }
     const_iterator end() const { return const_iterator(m_items.cend()); }
 
 private:
-    std::vector<std::pair<QString, std::unique_ptr<varnoObject>>> m_items;
+    Items m_items;
     QHash<QString, int> m_index;
 };

@@ -46,6 +46,20 @@ void LayoutDocument::SelectAll(bool selected)
     RaiseUpdates();
 }
 
+void LayoutDocument::Select(const QStringList &keys, SelectMode mode)
+{
+    if (mode == SelectMode::Replace) {
+        for (varnoObject &o : m_objects)
+            o.setSelected(false);
+    }
+    for (const QString &key : keys) {
+        if (varnoObject *o = m_objects.Find(key))
+            o->setSelected(mode == SelectMode::Toggle ? !o->Selected() : true);
+    }
+    SelectionUpdate(true);
+    RaiseUpdates();
+}
+
 void LayoutDocument::SelectionFlip(bool Vertical)
 {
     const SelectionBox box = m_bounds;

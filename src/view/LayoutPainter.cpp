@@ -110,7 +110,7 @@ int LayoutPainter::Draw(cGraphics &graphics, const LayoutDocument &doc, const cB
     std::vector<QRect> marks; // one small square on each selected object too small to see
     if (!doc.Objects().isEmpty()) {
         const CullRect cull = CullingRect(view);
-        for (varnoObject &o : doc.Objects()) {
+        for (const varnoObject &o : doc.Objects()) {
             const bool near = cull.contains(o.X(), o.Y());
             if (!near && !o.Selected())
                 continue;
@@ -132,7 +132,7 @@ int LayoutPainter::Draw(cGraphics &graphics, const LayoutDocument &doc, const cB
         }
     }
     if (!doc.HasStart() && doc.StartMarker()) {
-        varnoObject &marker = *doc.StartMarker();
+        const varnoObject &marker = *doc.StartMarker();
         int32_t x = marker.X();
         int32_t y = marker.Y();
         view.layoutToView(x, y);

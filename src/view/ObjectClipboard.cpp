@@ -24,8 +24,7 @@ void CopySelection(const LayoutDocument &doc, ObjectClipboard &clipboard)
 
 void PasteClipboard(LayoutDocument &doc, const ObjectClipboard &clipboard, int16_t x, int16_t y)
 {
-    for (varnoObject &o : doc.Objects())
-        o.setSelected(false);
+    doc.SelectAll(false);
     // Integer halves truncate toward zero, as the box sizes always did.
     const int16_t left = rt::sub16(x, clipboard.width / 2);
     const int16_t top = rt::sub16(y, clipboard.height / 2);
@@ -53,9 +52,10 @@ void DeleteSelection(LayoutDocument &doc)
 void DuplicateSelection(LayoutDocument &doc, int16_t x, int16_t y)
 {
     const QList<selObject> selection = doc.Selection();
+    // The copies become the selection.
+    doc.SelectAll(false);
     for (const selObject &s : selection) {
-        varnoObject &o = doc.Objects().Item(s.strKey);
-        o.setSelected(false);
+        const varnoObject &o = doc.Objects().Item(s.strKey);
         int16_t angle = o.Angle();
         uint8_t width = o.Width();
         bool fromView = false;

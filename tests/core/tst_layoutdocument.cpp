@@ -110,14 +110,14 @@ private slots:
         doc->setLaps(7);
         doc->setPointer(12, -7);
         const int count = doc->Objects().Count();
-        QSignalSpy spy(doc.get(), &LayoutDocument::Message);
+        QSignalSpy spy(doc.get(), &LayoutDocument::Refused);
         QCOMPARE(errorOf([&] { addObject(*doc, object[0], object[1], object[2], 30, object[3]); }),
                  outcome < 0 ? -outcome : 0);
         QCOMPARE(doc->Objects().Count(), count + (outcome == 0 ? 1 : 0));
         QCOMPARE(spy.count(), outcome > 0 ? 1 : 0);
         if (outcome > 0)
-            QCOMPARE(u"%1 %2 %3"_s.arg(spy[0][1].toInt()).arg(spy[0][2].toInt()).arg(spy[0][3].toString()),
-                     u"12 -7 "_s + Lang(outcome));
+            QCOMPARE((QList<int>{spy[0][0].value<LayoutDocument::Refusal>(), spy[0][1].toInt(), spy[0][2].toInt()}),
+                     (QList<int>{outcome, 12, -7}));
         if (outcome == 0)
             QCOMPARE((QList<int>{doc->Objects().At(count).ID(), doc->Objects().At(count).Width()}),
                      (QList<int>{object[0], width}));

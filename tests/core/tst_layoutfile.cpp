@@ -119,14 +119,14 @@ private slots:
         auto session = m_fx.session(file);
         auto *doc = &session->document();
         ClearLoggedErrors(); // an unknown type has been reported by the background's loading
-        QSignalSpy refusals(doc, &LayoutDocument::Message);
+        QSignalSpy refusals(doc, &LayoutDocument::Refused);
         const bool logged = problem.contains(u" in "_s);
         QCOMPARE(session->LayoutOpen(), !logged);
         QCOMPARE(objectsText(*doc), objects);
         QCOMPARE(LoggedErrors(), logged ? QStringList{problem} : QStringList());
         QCOMPARE(refusals.count(), problem.startsWith(u"refused"_s) ? 1 : 0);
         if (refusals.count())
-            QCOMPARE(refusals[0][3].toString(), Lang(problem.mid(8).toInt()));
+            QCOMPARE(int(refusals[0][0].value<LayoutDocument::Refusal>()), problem.mid(8).toInt());
         if (!logged)
             QVERIFY(!session->Edited());
     }
@@ -414,7 +414,7 @@ private slots:
             auto backSession = fx.session(type + u".lyt"_s);
 
             auto *back = &backSession->document();
-            QSignalSpy refusals(back, &LayoutDocument::Message);
+            QSignalSpy refusals(back, &LayoutDocument::Refused);
             QVERIFY(backSession->LayoutOpen());
             QCOMPARE(int(back->Revision()), revision == 250 ? 250 : 251);
             QCOMPARE(back->Laps(), doc->Laps());

@@ -157,7 +157,7 @@ private slots:
         auto session = m_fx.session(layout);
         auto *doc = &session->document();
         addObject(*doc, 56, 700, 700, 0, 0, true);
-        QSignalSpy spy(doc, &LayoutDocument::Message);
+        QSignalSpy spy(doc, &LayoutDocument::Refused);
         session->PackRead(u"AU_r.pack"_s, int16_t(x), int16_t(y));
         QCOMPARE(objectsText(*doc, true), placed);
         QCOMPARE(doc->Objects().Count(), int(placed.count(u'@')) + 1);

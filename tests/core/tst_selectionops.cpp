@@ -7,11 +7,10 @@
 namespace {
 void selectIndices(LayoutDocument &doc, std::initializer_list<int> indices)
 {
-    for (varnoObject &o : doc.Objects())
-        o.setSelected(false);
+    QStringList keys;
     for (int i : indices)
-        doc.Objects().At(i).setSelected(true);
-    doc.SelectionUpdate(false);
+        keys << doc.Objects().At(i).Key();
+    doc.Select(keys, LayoutDocument::SelectMode::Replace);
 }
 } // namespace
 
@@ -129,8 +128,8 @@ private slots:
         QFETCH(QString, expected);
         QFETCH(QString, message);
         QStringList messages;
-        connect(m_doc.get(), &LayoutDocument::Message, this,
-                [&](bool, int16_t, int16_t, const QString &t) { messages << t; });
+        connect(m_doc.get(), &LayoutDocument::Refused, this,
+                [&](LayoutDocument::Refusal why, int16_t, int16_t) { messages << Lang(why); });
         addObject(*m_doc, 20, 100, 100, 45, 0, true);
         addObject(*m_doc, 0, 300, 300);
         addObject(*m_doc, 20, 500, 500, -90, 0, true);

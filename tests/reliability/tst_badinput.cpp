@@ -37,11 +37,8 @@ struct Env {
     std::unique_ptr<LayoutSession> session(const QString &name)
     {
         auto s = std::make_unique<LayoutSession>();
-        QObject::connect(&s->document(), &LayoutDocument::Message,
-                         [this](bool refusal, int16_t, int16_t, const QString &text) {
-                             if (refusal)
-                                 status << text;
-                         });
+        QObject::connect(&s->document(), &LayoutDocument::Refused,
+                         [this](LayoutDocument::Refusal why, int16_t, int16_t) { status << Lang(why); });
         s->setFileName(fx.layoutPath(name));
         s->LayoutLoadBG();
         return s;

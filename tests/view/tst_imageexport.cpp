@@ -71,7 +71,7 @@ private slots:
         addObject(*m_doc, Kind::RestrictedMarshall, 150, 120, 0, 2);
         addObject(*m_doc, Kind::RouteChecker, 60, 130, 0, 3);
         addObject(*m_doc, 12, 199, 159, -90);         // at the corner, partly outside
-        m_doc->Objects().At(1).setSelected(true);
+        m_doc->Select({m_doc->Objects().At(1).Key()}, LayoutDocument::SelectMode::Add);
         QCOMPARE(m_doc->Objects().Count(), 5);
         m_out = m_fx.app.file(QStringLiteral("out/") + QString::fromLatin1(QTest::currentTestFunction()) + u'/'
                               + QString::fromLatin1(QTest::currentDataTag()));

@@ -169,14 +169,18 @@ private slots:
         QFETCH(QList<int>, percents);
         auto session = m_fx.session(QStringLiteral("AU1_lines.lyt"));
         auto *doc = &session->document();
-        addObject(*doc, Kind::Finish, 500, 100, 0, 10);
-        varnoObject &line = doc->Objects().At(0);
         const QRgb ground = session->Background().Handle().pixel(0, 0);
         for (int percent : percents)
             for (int angle : {0, 45, 90})
                 for (int width = 2; width <= 30; ++width) {
-                    line.setID(int16_t(Kind::Finish + width % 4));
-                    line.Update(int16_t(angle), uint8_t(width));
+                    std::shared_ptr<varnoObject> line = CreateObjectForKind(Kind::Finish + width % 4);
+                    line->setID(int16_t(Kind::Finish + width % 4));
+                    line->setX(500);
+                    line->setY(100);
+                    line->Update(int16_t(angle), uint8_t(width));
+                    DocumentState state;
+                    state.objects = {line};
+                    doc->restore(state);
                     QImage picture;
                     QPoint centre;
                     if (exported) {

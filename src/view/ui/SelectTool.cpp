@@ -11,14 +11,6 @@ namespace {
 constexpr int DragThreshold = 3;
 enum { MergeMove = 5 };
 
-void selectOnly(LayoutDocument &doc, const QString &key)
-{
-    for (varnoObject &o : doc.Objects())
-        o.setSelected(false);
-    if (varnoObject *o = doc.Objects().Find(key))
-        o->setSelected(true);
-}
-
 void announce(LayoutDocument &doc)
 {
     doc.SelectionUpdate(true);
@@ -44,17 +36,14 @@ void SelectTool::press(const ToolEvent &e)
         m_mode = Boxing;
         return;
     }
-    varnoObject &o = doc.Objects().Item(hit);
+    const varnoObject &o = doc.Objects().Item(hit);
     if (m_adding) {
-        o.setSelected(!o.Selected());
-        announce(doc);
+        doc.Select({hit}, LayoutDocument::SelectMode::Toggle);
         m_mode = o.Selected() ? Pending : Idle;
         return;
     }
-    if (!o.Selected()) {
-        selectOnly(doc, hit);
-        announce(doc);
-    }
+    if (!o.Selected())
+        doc.Select({hit}, LayoutDocument::SelectMode::Replace);
     m_mode = Pending;
 }
 
@@ -90,10 +79,8 @@ void SelectTool::release(const ToolEvent &e)
     switch (m_mode) {
     case Pending:
         // A plain click on a member of a group picks that one object.
-        if (!m_adding && doc.Selection().size() > 1) {
-            selectOnly(doc, m_hitKey);
-            announce(doc);
-        }
+        if (!m_adding && doc.Selection().size() > 1)
+            doc.Select({m_hitKey}, LayoutDocument::SelectMode::Replace);
         break;
     case Moving:
         m_layout.breakMerge();
@@ -105,13 +92,7 @@ void SelectTool::release(const ToolEvent &e)
         m_layout.view().viewToLayout(x2, y2);
         if ((e.pos - m_from).manhattanLength() >= DragThreshold) {
             const QStringList keys = ObjectsInBox(doc, QRect(QPoint(x1, y1), QPoint(x2, y2)));
-            if (!m_adding) {
-                for (varnoObject &o : doc.Objects())
-                    o.setSelected(false);
-            }
-            for (const QString &k : keys)
-                doc.Objects().Item(k).setSelected(true);
-            announce(doc);
+            doc.Select(keys, m_adding ? LayoutDocument::SelectMode::Add : LayoutDocument::SelectMode::Replace);
         }
         break;
     }

@@ -49,7 +49,8 @@ frmLayout::frmLayout(QWidget *parent) : QWidget(parent), m_doc(m_session.documen
         emit Updated();
     };
     m_doc.setViewToLayout([this](int32_t &x, int32_t &y) { m_view.viewToLayout(x, y); });
-    connect(&m_doc, &LayoutDocument::Message, this, &frmLayout::Message);
+    connect(&m_doc, &LayoutDocument::Refused, this,
+            [this](LayoutDocument::Refusal why, int16_t x, int16_t y) { emit Message(true, x, y, Lang(why)); });
     connect(&m_doc, &LayoutDocument::Updated, this, [this] {
         Draw();
         emit Updated();

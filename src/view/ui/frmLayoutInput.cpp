@@ -339,12 +339,13 @@ void frmLayout::DropKind(int kind, const QPoint &viewPos)
             bool selected = true;
             m_doc.ObjectAdd(uint8_t(kind), rt::toInt16(static_cast<long long>(viewPos.x())),
                             rt::toInt16(static_cast<long long>(viewPos.y())), angle, width, fromView, selected);
+            // The dropped object alone becomes the selection.
             if (m_doc.Objects().Count() > before) {
-                for (int i = 0; i < before; ++i)
-                    m_doc.Objects().At(i).setSelected(false);
+                m_doc.Select({m_doc.Objects().At(before).Key()}, LayoutDocument::SelectMode::Replace);
+            } else {
+                m_doc.SelectionUpdate(true);
+                m_doc.RaiseUpdates();
             }
-            m_doc.SelectionUpdate(true);
-            m_doc.RaiseUpdates();
         });
     });
     m_canvas->setFocus(Qt::OtherFocusReason);

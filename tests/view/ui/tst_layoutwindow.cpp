@@ -564,7 +564,7 @@ private slots:
         img = grab();
         const QColor plain(img.pixel(cone));
         QVERIFY(plain != FixtureGround);
-        au2->document().Objects().At(0).setSelected(true);
+        au2->document().Select({au2->document().Objects().At(0).Key()}, LayoutDocument::SelectMode::Add);
         img = grab();
         const QColor lit(img.pixel(cone));
         QVERIFY(lit.lightness() > plain.lightness());

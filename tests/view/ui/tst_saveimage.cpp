@@ -153,7 +153,7 @@ private slots:
         connect(&repaint, &QTimer::timeout, [&] {
             cGraphics g;
             g.CreateFromHdc(&screen);
-            for (varnoObject &o : m_doc->Objects())
+            for (const varnoObject &o : m_doc->Objects())
                 o.Draw(150, 100, g, 0.25f + float(paints % 9), nullptr);
             ++paints;
         });
