@@ -12,7 +12,6 @@
 #include "view/DocumentEdit.h"
 #include "view/ui/LayoutCanvas.h"
 #include "view/ui/LayoutSaveImage.h"
-#include "view/ui/LayoutTool.h"
 
 #include <QGridLayout>
 #include <QPainter>

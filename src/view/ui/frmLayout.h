@@ -4,6 +4,7 @@
 // listens to its three events (Message, Updated, ObjectUpdated).
 
 #include "app/LayoutSession.h"
+#include "app/tools/LayoutTool.h"
 #include "view/LayoutPainter.h"
 #include "view/ViewGeometry.h"
 
@@ -14,7 +15,6 @@
 #include <memory>
 
 class LayoutCanvas;
-class LayoutTool;
 class cScrollbars;
 class QKeyEvent;
 class QScrollBar;
@@ -22,7 +22,7 @@ class QScrollBar;
 // Tool values: the plain selection tool and the three the keyboard and toolbar choose.
 enum ToolId : int { ToolSelect = 0, ToolZoom = 6, ToolMeasure = 12, ToolLine = 13 };
 
-class frmLayout : public QWidget {
+class frmLayout : public QWidget, public ToolContext {
     Q_OBJECT
 public:
     explicit frmLayout(QWidget *parent = nullptr);
@@ -34,7 +34,7 @@ public:
 
     // --- properties ---------------------------------------------------------------
     float Zoom() const { return m_view.Zoom(); }
-    void setZoom(float zoom);
+    void setZoom(float zoom) override;
     int16_t ObjectZoom() const { return m_view.ObjectZoom(); }
     void setObjectZoom(int16_t percent);
     int Tool() const { return m_tool; }
@@ -96,11 +96,11 @@ public:
     void breakMerge() { m_session.breakMerge(); }
 
     // --- for the tools and tests ------------------------------------------------------
-    LayoutSession &session() { return m_session; }
+    LayoutSession &session() override { return m_session; }
     const LayoutSession &session() const { return m_session; }
     LayoutDocument &document() { return m_session.document(); }
     const LayoutDocument &document() const { return m_session.document(); }
-    ViewGeometry &view() { return m_view; }
+    ViewGeometry &view() override { return m_view; }
     QWidget *canvas() const;
     QPoint pointer() const { return {m_pointerX, m_pointerY}; }
     // The pointer-move handler: keeps the last pointer position (layout units), reports
@@ -112,10 +112,14 @@ public:
     // menu shortcut may take it while the layout has the keyboard.
     static bool OwnsKey(const QKeyEvent *event);
     // Scrolls the view to a layout point at the middle of the window.
-    void centreOn(int32_t x, int32_t y);
+    void centreOn(int32_t x, int32_t y) override;
     void scrollBy(int32_t dx, int32_t dy);
     // Tells the status bar something (not a refusal).
-    void hint(const QString &text);
+    void hint(const QString &text) override;
+    // What the tools see of this window besides the above.
+    void viewChanged() override { syncScrollBars(); }
+    void redraw() override { Draw(); }
+    int16_t lineSpacing() const override { return m_lineSpacing; }
     void syncScrollBars();
 
 signals:

@@ -9,7 +9,7 @@
 #include "base/Runtime.h"
 #include "view/ObjectClipboard.h"
 #include "view/ui/LayoutCanvas.h"
-#include "view/ui/LayoutTool.h"
+#include "app/tools/LayoutTool.h"
 
 #include <QDir>
 #include <QKeyEvent>
@@ -172,7 +172,7 @@ void frmLayout::KeyDown(int keyCode, int shift)
             PointerMove(Qt::LeftButton, Qt::NoModifier, QPointF(float(x), float(y)));
             // Outside the line tool the new spacing is said once, so the key is not silent.
             if (m_tool != ToolLine)
-                hint(Lang(41) + QStringLiteral(": ") + LineTool::spacingText(*this));
+                hint(Lang(41) + QStringLiteral(": ") + LineTool::spacingText(m_lineSpacing, m_doc));
         }
     });
 }

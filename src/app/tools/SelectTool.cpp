@@ -1,7 +1,8 @@
 #include "core/LayoutDocument.h"
 #include "view/HitTest.h"
-#include "view/ui/LayoutTool.h"
-#include "view/ui/frmLayout.h"
+#include "app/tools/LayoutTool.h"
+#include "app/LayoutSession.h"
+#include "view/ViewGeometry.h"
 
 #include <QPainter>
 #include <cmath>
@@ -22,12 +23,12 @@ void SelectTool::press(const ToolEvent &e)
 {
     if (e.button != Qt::LeftButton)
         return;
-    LayoutDocument &doc = m_layout.document();
+    LayoutDocument &doc = document();
     m_from = m_to = e.pos;
     m_moved = QPoint();
     m_adding = e.modifiers & (Qt::ShiftModifier | Qt::ControlModifier);
-    m_layout.breakMerge();
-    const QString hit = ObjectAtPoint(doc, m_layout.view(), e.pos.x(), e.pos.y());
+    m_context.session().breakMerge();
+    const QString hit = ObjectAtPoint(doc, m_context.view(), e.pos.x(), e.pos.y());
     m_hitKey = hit;
     if (hit.isEmpty()) {
         if (!m_adding && !doc.Selection().isEmpty()) {
@@ -56,18 +57,18 @@ void SelectTool::move(const ToolEvent &e)
         if ((e.pos - m_from).manhattanLength() < DragThreshold)
             return;
         m_mode = Moving;
-        m_layout.breakMerge();
-        m_mergeKey = m_layout.mergeKeyFor(MergeMove);
+        m_context.session().breakMerge();
+        m_mergeKey = m_context.session().mergeKeyFor(MergeMove);
     }
     if (m_mode == Moving) {
-        const float zoom = m_layout.view().Zoom();
+        const float zoom = m_context.view().Zoom();
         const QPoint total(int(std::lround((e.pos.x() - m_from.x()) / zoom)),
                            int(std::lround((e.pos.y() - m_from.y()) / zoom)));
         const QPoint step = total - m_moved;
         if (step.isNull())
             return;
-        LayoutDocument &doc = m_layout.document();
-        m_layout.record(QStringLiteral("Move"), m_mergeKey, [&] { m_moved += doc.MoveSelection(step.x(), step.y()); });
+        LayoutDocument &doc = document();
+        record(QStringLiteral("Move"), m_mergeKey, [&] { m_moved += doc.MoveSelection(step.x(), step.y()); });
     }
 }
 
@@ -75,7 +76,7 @@ void SelectTool::release(const ToolEvent &e)
 {
     if (e.button != Qt::LeftButton)
         return;
-    LayoutDocument &doc = m_layout.document();
+    LayoutDocument &doc = document();
     switch (m_mode) {
     case Pending:
         // A plain click on a member of a group picks that one object.
@@ -83,13 +84,13 @@ void SelectTool::release(const ToolEvent &e)
             doc.Select({m_hitKey}, LayoutDocument::SelectMode::Replace);
         break;
     case Moving:
-        m_layout.breakMerge();
+        m_context.session().breakMerge();
         announce(doc);
         break;
     case Boxing: {
         int32_t x1 = m_from.x(), y1 = m_from.y(), x2 = e.pos.x(), y2 = e.pos.y();
-        m_layout.view().viewToLayout(x1, y1);
-        m_layout.view().viewToLayout(x2, y2);
+        m_context.view().viewToLayout(x1, y1);
+        m_context.view().viewToLayout(x2, y2);
         if ((e.pos - m_from).manhattanLength() >= DragThreshold) {
             const QStringList keys = ObjectsInBox(doc, QRect(QPoint(x1, y1), QPoint(x2, y2)));
             doc.Select(keys, m_adding ? LayoutDocument::SelectMode::Add : LayoutDocument::SelectMode::Replace);

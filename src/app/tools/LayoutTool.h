@@ -1,17 +1,40 @@
 #pragma once
 // The mouse tools of a document window. Each gets the pointer's press, moves and
-// release in view pixels and may draw a preview over the layout.
+// release in view pixels and may draw a preview over the layout. A tool sees only its
+// ToolContext, never the window, so it runs and is tested without one.
 
 #include <QList>
 #include <QPoint>
 #include <QPointF>
 #include <QString>
 #include <Qt>
+#include <cstdint>
+#include <functional>
 #include <memory>
 
 class QPainter;
-class frmLayout;
+class LayoutDocument;
+class LayoutSession;
+class ViewGeometry;
 class varnoObject;
+
+// What a tool may use of the window it works in.
+class ToolContext {
+public:
+    virtual ~ToolContext() = default;
+    virtual LayoutSession &session() = 0;
+    virtual ViewGeometry &view() = 0;
+    // Sets the zoom as the user's own choice.
+    virtual void setZoom(float zoom) = 0;
+    virtual void centreOn(int32_t x, int32_t y) = 0;
+    // The view's scroll changed behind the window's back: its scroll bars follow.
+    virtual void viewChanged() = 0;
+    virtual void redraw() = 0;
+    // Tells the status bar something (not a refusal).
+    virtual void hint(const QString &text) = 0;
+    // Layout units between the copies the line tool lays.
+    virtual int16_t lineSpacing() const = 0;
+};
 
 struct ToolEvent {
     QPoint pos;                       // view pixels
@@ -22,7 +45,7 @@ struct ToolEvent {
 
 class LayoutTool {
 public:
-    explicit LayoutTool(frmLayout &layout) : m_layout(layout) {}
+    explicit LayoutTool(ToolContext &context) : m_context(context) {}
     virtual ~LayoutTool() = default;
 
     virtual void press(const ToolEvent &) {}
@@ -38,7 +61,11 @@ public:
     virtual bool busy() const { return false; }
 
 protected:
-    frmLayout &m_layout;
+    LayoutDocument &document() const;
+    // Runs an edit as one undo step and repaints.
+    void record(const QString &text, int mergeKey, const std::function<void()> &fn);
+
+    ToolContext &m_context;
 };
 
 // Clicks select, drags move the selection or draw a selection box.
@@ -105,7 +132,7 @@ private:
 // object itself starts the row there; the object counts as its first member.
 class LineTool : public LayoutTool {
 public:
-    explicit LineTool(frmLayout &layout);
+    explicit LineTool(ToolContext &context);
     ~LineTool() override;
     void press(const ToolEvent &e) override;
     void move(const ToolEvent &e) override;
@@ -116,8 +143,8 @@ public:
     bool busy() const override { return m_dragging; }
     // Layout positions of the copies from a to b (layout units) at the spacing.
     static QList<QPoint> linePoints(const QPoint &a, const QPoint &b, int spacing);
-    // "spacing 20 (3.5m)": the document's line spacing in layout units and metres.
-    static QString spacingText(const frmLayout &layout);
+    // "spacing 20 (3.5m)": a line spacing in layout units and in metres on doc.
+    static QString spacingText(int16_t spacing, const LayoutDocument &doc);
 
 private:
     // The copies along the line, without the one that would land on the source.

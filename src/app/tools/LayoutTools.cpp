@@ -7,8 +7,9 @@
 #include "imaging/ColorMatrix.h"
 #include "imaging/cGraphics.h"
 #include "view/HitTest.h"
-#include "view/ui/LayoutTool.h"
-#include "view/ui/frmLayout.h"
+#include "app/tools/LayoutTool.h"
+#include "app/LayoutSession.h"
+#include "view/ViewGeometry.h"
 
 #include <QPainter>
 #include <cmath>
@@ -60,26 +61,39 @@ QPoint ConstrainTo15(const QPoint &from, const QPoint &to)
     return QPoint(int(rt::roundHalfEven(p.x())), int(rt::roundHalfEven(p.y())));
 }
 
+// --- every tool ---------------------------------------------------------------------
+
+LayoutDocument &LayoutTool::document() const
+{
+    return m_context.session().document();
+}
+
+void LayoutTool::record(const QString &text, int mergeKey, const std::function<void()> &fn)
+{
+    m_context.session().record(text, mergeKey, fn);
+    m_context.redraw();
+}
+
 // --- zoom --------------------------------------------------------------------------
 
 namespace {
 // Zooms so that the layout point under the pointer stays under it.
-void zoomAbout(frmLayout &layout, const QPoint &pos, float factor)
+void zoomAbout(ToolContext &context, const QPoint &pos, float factor)
 {
-    ViewGeometry &v = layout.view();
+    ViewGeometry &v = context.view();
     const QPointF anchor = toLayoutF(v, pos);
-    layout.setZoom(float(double(v.Zoom()) * factor));
+    context.setZoom(float(double(v.Zoom()) * factor));
     v.setScroll(0, int(std::lround(anchor.x() - 1 - (pos.x() - v.ViewOffsetX()) / v.Zoom())));
     v.setScroll(1, int(std::lround(anchor.y() - 1 - (pos.y() - v.ViewOffsetY()) / v.Zoom())));
-    layout.syncScrollBars();
-    layout.Draw();
+    context.viewChanged();
+    context.redraw();
 }
 } // namespace
 
 void ZoomTool::press(const ToolEvent &e)
 {
     if (e.button == Qt::RightButton) {
-        zoomAbout(m_layout, e.pos, 0.5f);
+        zoomAbout(m_context, e.pos, 0.5f);
         return;
     }
     if (e.button != Qt::LeftButton)
@@ -101,16 +115,16 @@ void ZoomTool::release(const ToolEvent &e)
     m_dragging = false;
     const QRect box = QRect(m_from, e.pos).normalized();
     if (box.width() < 4 && box.height() < 4) {
-        zoomAbout(m_layout, e.pos, 2.0f);
+        zoomAbout(m_context, e.pos, 2.0f);
         return;
     }
-    ViewGeometry &v = m_layout.view();
+    ViewGeometry &v = m_context.view();
     const QPointF a = toLayoutF(v, box.topLeft());
     const QPointF b = toLayoutF(v, box.bottomRight());
     const double w = std::max(1.0, b.x() - a.x());
     const double h = std::max(1.0, b.y() - a.y());
-    m_layout.setZoom(float(std::min(v.clientWidth() / w, v.clientHeight() / h)));
-    m_layout.centreOn(int32_t(std::lround((a.x() + b.x()) / 2)), int32_t(std::lround((a.y() + b.y()) / 2)));
+    m_context.setZoom(float(std::min(v.clientWidth() / w, v.clientHeight() / h)));
+    m_context.centreOn(int32_t(std::lround((a.x() + b.x()) / 2)), int32_t(std::lround((a.y() + b.y()) / 2)));
 }
 
 void ZoomTool::paintOverlay(QPainter &p)
@@ -128,7 +142,7 @@ void ZoomTool::paintOverlay(QPainter &p)
 
 double MeasureTool::distance(const QPointF &a, const QPointF &b) const
 {
-    return metres(m_layout.document(), std::hypot(b.x() - a.x(), b.y() - a.y()));
+    return metres(document(), std::hypot(b.x() - a.x(), b.y() - a.y()));
 }
 
 void MeasureTool::press(const ToolEvent &e)
@@ -137,16 +151,16 @@ void MeasureTool::press(const ToolEvent &e)
         return;
     m_dragging = true;
     m_measured = true;
-    m_from = m_to = toLayoutF(m_layout.view(), e.pos);
+    m_from = m_to = toLayoutF(m_context.view(), e.pos);
 }
 
 void MeasureTool::move(const ToolEvent &e)
 {
     if (!m_dragging || !(e.buttons & Qt::LeftButton))
         return;
-    const QPointF at = toLayoutF(m_layout.view(), e.pos);
+    const QPointF at = toLayoutF(m_context.view(), e.pos);
     m_to = (e.modifiers & Qt::ControlModifier) ? constrainF(m_from, at) : at;
-    m_layout.Draw();
+    m_context.redraw();
 }
 
 void MeasureTool::release(const ToolEvent &e)
@@ -154,7 +168,7 @@ void MeasureTool::release(const ToolEvent &e)
     if (e.button != Qt::LeftButton || !m_dragging)
         return;
     m_dragging = false;
-    m_layout.hint(hint());
+    m_context.hint(hint());
 }
 
 QString MeasureTool::hint() const
@@ -168,7 +182,7 @@ void MeasureTool::paintOverlay(QPainter &p)
 {
     if (!m_measured)
         return;
-    const ViewGeometry &v = m_layout.view();
+    const ViewGeometry &v = m_context.view();
     const QPointF a = toViewF(v, m_from);
     const QPointF b = toViewF(v, m_to);
     p.save();
@@ -192,7 +206,7 @@ void MeasureTool::paintOverlay(QPainter &p)
 
 // --- object line -------------------------------------------------------------------
 
-LineTool::LineTool(frmLayout &layout) : LayoutTool(layout) {}
+LineTool::LineTool(ToolContext &context) : LayoutTool(context) {}
 
 LineTool::~LineTool() = default;
 
@@ -212,20 +226,19 @@ QList<QPoint> LineTool::linePoints(const QPoint &a, const QPoint &b, int spacing
     return points;
 }
 
-QString LineTool::spacingText(const frmLayout &layout)
+QString LineTool::spacingText(int16_t spacing, const LayoutDocument &doc)
 {
-    const int spacing = layout.LineSpacing();
-    return QStringLiteral("spacing %1 (%2m)").arg(spacing).arg(metres(layout.document(), spacing), 0, 'f', 1);
+    return QStringLiteral("spacing %1 (%2m)").arg(spacing).arg(metres(doc, spacing), 0, 'f', 1);
 }
 
 QString LineTool::hint() const
 {
     if (m_dragging)
-        return Lang(153) + QStringLiteral(" \u2014 ") + spacingText(m_layout) + QStringLiteral(", copies: ")
+        return Lang(153) + QStringLiteral(" \u2014 ") + spacingText(m_context.lineSpacing(), document()) + QStringLiteral(", copies: ")
                + QString::number(m_points.size());
-    if (m_layout.document().Selection().size() != 1)
+    if (document().Selection().size() != 1)
         return Lang(152);
-    return Lang(151) + QStringLiteral(" \u2014 ") + spacingText(m_layout);
+    return Lang(151) + QStringLiteral(" \u2014 ") + spacingText(m_context.lineSpacing(), document());
 }
 
 void LineTool::cancel()
@@ -237,7 +250,7 @@ void LineTool::cancel()
 
 void LineTool::rebuild()
 {
-    const int spacing = std::max(1, int(m_layout.LineSpacing()));
+    const int spacing = std::max(1, int(m_context.lineSpacing()));
     m_points = linePoints(m_from, m_to, spacing);
     // The source stands in its own slot of the row: no copy on top of it.
     m_points.removeIf([&](const QPoint &p) {
@@ -249,17 +262,17 @@ void LineTool::press(const ToolEvent &e)
 {
     if (e.button != Qt::LeftButton)
         return;
-    LayoutDocument &doc = m_layout.document();
+    LayoutDocument &doc = document();
     int32_t x = e.pos.x(), y = e.pos.y();
-    m_layout.view().viewToLayout(x, y);
+    m_context.view().viewToLayout(x, y);
     if (doc.Selection().size() != 1) {
         // Without a single object to copy, a click picks one.
         ToolEvent click = e;
         click.modifiers = Qt::NoModifier;
-        SelectTool picker(m_layout);
+        SelectTool picker(m_context);
         picker.press(click);
         picker.release(click);
-        m_layout.hint(hint());
+        m_context.hint(hint());
         return;
     }
     const varnoObject &source = doc.Objects().Item(doc.Selection().first().strKey);
@@ -268,11 +281,11 @@ void LineTool::press(const ToolEvent &e)
     m_prototype = CreateObjectForKind(source.ID());
     m_prototype->setID(source.ID());
     m_prototype->Update(source.Angle(), source.Width());
-    const bool onSource = ObjectAtPoint(doc, m_layout.view(), e.pos.x(), e.pos.y()) == m_sourceKey;
+    const bool onSource = ObjectAtPoint(doc, m_context.view(), e.pos.x(), e.pos.y()) == m_sourceKey;
     m_from = m_to = onSource ? m_source : QPoint(x, y);
     m_dragging = true;
     rebuild();
-    m_layout.hint(hint());
+    m_context.hint(hint());
 }
 
 void LineTool::move(const ToolEvent &e)
@@ -280,11 +293,11 @@ void LineTool::move(const ToolEvent &e)
     if (!m_dragging || !(e.buttons & Qt::LeftButton))
         return;
     int32_t x = e.pos.x(), y = e.pos.y();
-    m_layout.view().viewToLayout(x, y);
+    m_context.view().viewToLayout(x, y);
     const QPoint at(x, y);
     m_to = (e.modifiers & Qt::ControlModifier) ? ConstrainTo15(m_from, at) : at;
     rebuild();
-    m_layout.Draw();
+    m_context.redraw();
 }
 
 void LineTool::release(const ToolEvent &e)
@@ -292,7 +305,7 @@ void LineTool::release(const ToolEvent &e)
     if (e.button != Qt::LeftButton || !m_dragging)
         return;
     m_dragging = false;
-    LayoutDocument &doc = m_layout.document();
+    LayoutDocument &doc = document();
     const varnoObject *source = doc.Objects().Find(m_sourceKey);
     const QList<QPoint> points = m_points;
     m_points.clear();
@@ -302,7 +315,7 @@ void LineTool::release(const ToolEvent &e)
     const uint8_t id = source->ID();
     const int16_t angle = source->Angle();
     const uint8_t width = source->Width();
-    m_layout.record(Lang(41), 0, [&] {
+    record(Lang(41), 0, [&] {
         for (const QPoint &p : points) {
             int16_t a = angle;
             uint8_t w = width;
@@ -320,7 +333,7 @@ void LineTool::paintOverlay(QPainter &p)
 {
     if (!m_dragging || !m_prototype)
         return;
-    const ViewGeometry &v = m_layout.view();
+    const ViewGeometry &v = m_context.view();
     cGraphics graphics;
     if (!graphics.CreateFromPainter(&p))
         return;

@@ -1,0 +1,149 @@
+// The mouse tools without a window: each gets a session and a view through its context.
+
+#include "support/DocumentFixture.h"
+
+#include "app/tools/LayoutTool.h"
+#include "view/ViewGeometry.h"
+
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A 660 x 520 view at zoom 1 on the fixture's AU1 layout, scrolled to the top left.
+struct Context : ToolContext {
+    std::unique_ptr<LayoutSession> layout;
+    ViewGeometry geometry;
+    QStringList hints;
+
+    explicit Context(const DocumentFixture &fx) : layout(fx.session(u"AU1_tools.lyt"_s))
+    {
+        geometry.setBackground(fx.width, fx.height, 1630);
+        geometry.setClientSize(660, 520);
+        geometry.setZoom(1.0f);
+        geometry.setScroll(0, 0);
+        geometry.setScroll(1, 0);
+    }
+    LayoutSession &session() override { return *layout; }
+    ViewGeometry &view() override { return geometry; }
+    void setZoom(float zoom) override { geometry.setZoom(zoom); }
+    void centreOn(int32_t x, int32_t y) override { geometry.centreOn(x, y); }
+    void viewChanged() override {}
+    void redraw() override {}
+    void hint(const QString &text) override { hints << text; }
+    int16_t lineSpacing() const override { return 20; }
+
+    QPoint at(int x, int y) const
+    {
+        int32_t vx = x, vy = y;
+        geometry.layoutToView(vx, vy);
+        return {vx, vy};
+    }
+};
+
+// Press at a, move in four steps to b, release there.
+void drag(LayoutTool &tool, const QPoint &a, const QPoint &b, Qt::KeyboardModifiers mods = Qt::NoModifier)
+{
+    tool.press({a, Qt::LeftButton, Qt::LeftButton, mods});
+    for (int i = 1; i <= 4; ++i)
+        tool.move({a + (b - a) * i / 4, Qt::NoButton, Qt::LeftButton, mods});
+    tool.release({b, Qt::LeftButton, Qt::NoButton, mods});
+}
+
+} // namespace
+
+class TestTools : public DocumentTest {
+    Q_OBJECT
+private slots:
+    // Cone A at 200,200 (selected) and cone B at 300,200.
+    void selectTool_data()
+    {
+        QTest::addColumn<QString>("gesture");
+        QTest::addColumn<QString>("selected");
+        QTest::addColumn<int>("undoSteps");
+        QTest::newRow("click picks the object") << "click B" << "20@300,200 a0 w0" << 0;
+        QTest::newRow("shift-click adds") << "shift B" << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0;
+        QTest::newRow("ctrl-click removes") << "ctrl A" << "" << 0;
+        QTest::newRow("click on the ground clears") << "ground" << "" << 0;
+        QTest::newRow("box selects") << "box" << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0;
+        QTest::newRow("drag moves the selection as one step") << "drag A" << "20@240,230 a0 w0" << 1;
+        QTest::newRow("a drag stops at the edge") << "drag far" << "20@1,200 a0 w0" << 1;
+    }
+    void selectTool()
+    {
+        QFETCH(QString, gesture);
+        QFETCH(QString, selected);
+        QFETCH(int, undoSteps);
+        Context c(m_fx);
+        LayoutDocument &doc = c.session().document();
+        addObject(doc, 20, 200, 200, 0, 0, true);
+        addObject(doc, 20, 300, 200);
+        doc.SelectionUpdate();
+        c.geometry.setScroll(0, 50); // the tools work in view pixels, not layout units
+        SelectTool tool(c);
+        const QPoint a = c.at(200, 200), b = c.at(300, 200);
+        const auto mods = gesture == "shift B" ? Qt::ShiftModifier
+            : gesture == "ctrl A"             ? Qt::ControlModifier
+                                              : Qt::NoModifier;
+        const QPoint from = gesture.endsWith('A') ? a : gesture.endsWith('B') ? b
+            : gesture == "box"                     ? c.at(150, 150)
+                                                   : c.at(500, 500);
+        const QPoint to = gesture == "drag A" ? a + QPoint(40, 30)
+            : gesture == "drag far"          ? a + QPoint(-250, 0)
+            : gesture == "box"               ? c.at(350, 250)
+                                             : from;
+        drag(tool, gesture == "drag far" ? a : from, to, mods);
+        QCOMPARE(objectsText(doc, true), selected);
+        QCOMPARE(c.session().undoStack().count(), undoSteps);
+        if (undoSteps) {
+            c.session().undoStack().undo();
+            QCOMPARE(objectsText(doc), u"20@200,200 a0 w0; 20@300,200 a0 w0"_s);
+        }
+    }
+
+    // The 1000-pixel test picture stands for the 1630 units of AU1.
+    void measureTool_data()
+    {
+        QTest::addColumn<QPoint>("to");
+        QTest::addColumn<bool>("ctrl");
+        QTest::newRow("57 pixels") << QPoint(157, 100) << false;
+        QTest::newRow("Ctrl snaps to 15 degrees") << QPoint(157, 104) << true;
+    }
+    void measureTool()
+    {
+        QFETCH(QPoint, to);
+        QFETCH(bool, ctrl);
+        Context c(m_fx);
+        MeasureTool tool(c);
+        QCOMPARE(tool.hint(), u"Click and drag to measure distance"_s);
+        drag(tool, c.at(100, 100), c.at(to.x(), to.y()), ctrl ? Qt::ControlModifier : Qt::NoModifier);
+        QCOMPARE(c.hints.last(), u"Distance: 16.3m"_s);
+        QCOMPARE(c.session().undoStack().count(), 0);
+    }
+
+    void zoomTool()
+    {
+        Context c(m_fx);
+        c.geometry.setScroll(0, 100);
+        c.geometry.setScroll(1, 100);
+        ZoomTool tool(c);
+        const QPoint at(200, 150);
+        int32_t x = at.x(), y = at.y();
+        c.geometry.viewToLayout(x, y);
+        drag(tool, at, at);
+        QCOMPARE(c.geometry.Zoom(), 2.0f);
+        int32_t x2 = at.x(), y2 = at.y();
+        c.geometry.viewToLayout(x2, y2);
+        QCOMPARE(QPoint(x2, y2), QPoint(x, y)); // the point stays under the pointer
+        tool.press({at, Qt::RightButton, Qt::RightButton, {}});
+        tool.release({at, Qt::RightButton, Qt::NoButton, {}});
+        QCOMPARE(c.geometry.Zoom(), 1.0f);
+        // A box of 100 x 50 units fits the view.
+        drag(tool, c.at(300, 300), c.at(400, 350));
+        QCOMPARE(c.geometry.Zoom(), std::min(660 / 100.f, 520 / 50.f));
+    }
+};
+
+QTEST_MAIN(TestTools)
+#include "tst_tools.moc"
