@@ -62,7 +62,7 @@ private slots:
         int32_t x = 1, y = 1;
         g.layoutToView(x, y);
         QCOMPARE(x, 210);
-        g.centreOn(5000, 5000);
+        g.centreOn(9000, 9000);
         QCOMPARE(QPoint(g.ScrollX(), g.ScrollY()), QPoint(0, 6260 - 800));
         g.centreOn(1, 1);
         QCOMPARE(g.ScrollY(), 0);
