@@ -92,8 +92,8 @@ private slots:
     {
         auto upright = make(0, 90), flat = make(0, 0);
         int c = flat->image().Width() / 2;
-        QCOMPARE((QList<bool>{upright->OnPixel(c, c - 15), upright->OnPixel(c - 15, c), flat->OnPixel(c - 15, c),
-                              flat->OnPixel(c, c - 15), flat->OnPixel(-1, 0)}),
+        QCOMPARE((QList<bool>{upright->OnPixel(c, c - 15), upright->OnPixel(c - 15, c),
+                              flat->OnPixel(c - 15, c), flat->OnPixel(c, c - 15), flat->OnPixel(-1, 0)}),
                  (QList<bool>{true, false, true, false, false}));
         ctrlObject o;
         o.setID(55);
