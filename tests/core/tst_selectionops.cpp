@@ -152,7 +152,6 @@ private slots:
         QTest::addColumn<int>("dy");
         QTest::addColumn<QPoint>("moved");
         // Selection spans 10..900 across and 20..700 down on a 1000 x 800 layout.
-        QTest::newRow("inside") << 50 << -5 << QPoint(50, -5);
         QTest::newRow("stops at the right edge") << 500 << 0 << QPoint(100, 0);
         QTest::newRow("stops at the left and top edges") << -50 << -100 << QPoint(-9, -19);
         QTest::newRow("stops at the bottom, keeps the move across") << 3 << 1000 << QPoint(3, 100);

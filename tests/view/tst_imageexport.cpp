@@ -69,29 +69,43 @@ class TestImageExport : public DocumentTest {
     }
 
 private slots:
-    // The chosen type's filter comes first, then the others in a fixed order; the proposed
-    // name gives up its last three characters, whatever they are, for the type.
-    void filterAndName_data()
+    // The save dialog's rules, one function a row. The filter puts the chosen type first;
+    // the proposed name gives up its last three characters, whatever they are, for the
+    // type; only a name ending in exactly "jpg" offers the quality; the remembered folder
+    // keeps (length - position of the last separator - 1) characters.
+    void rules_data()
     {
-        QTest::addColumn<QString>("saveType");
-        QTest::addColumn<QString>("layoutName");
-        QTest::addColumn<QString>("proposed");
-        QTest::addColumn<QString>("filter");
+        QTest::addColumn<QString>("rule");
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QString>("expected");
         const QString png = "PNG file (*.png)|*.png|", jpg = "JPG file (*.jpg)|*.jpg|",
                       gif = "GIF file (*.gif)|*.gif|", bmp = "BMP file (*.bmp)|*.bmp|", all = "All files (*.*)|*.*";
-        QTest::newRow("png") << "png" << "AU1_track.lyt" << "AU1_track.png" << png + jpg + gif + bmp + all;
-        QTest::newRow("gif, no extension") << "gif" << "BL3_abcdef" << "BL3_abcgif" << gif + jpg + png + bmp + all;
-        QTest::newRow("upper case GIF, short name") << "GIF" << "ab" << "GIF" << gif + jpg + png + bmp + all;
-        QTest::newRow("anything else is jpg") << "tif" << "AU1_x.lyt" << "AU1_x.tif" << jpg + png + gif + bmp + all;
+        QTest::newRow("png filter") << "filter" << "png" << png + jpg + gif + bmp + all;
+        QTest::newRow("gif filter") << "filter" << "gif" << gif + jpg + png + bmp + all;
+        QTest::newRow("upper case GIF filter") << "filter" << "GIF" << gif + jpg + png + bmp + all;
+        QTest::newRow("any other filter is jpg") << "filter" << "tif" << jpg + png + gif + bmp + all;
+        QTest::newRow("name for a .lyt") << "name" << "AU1_track.lyt png" << "AU1_track.png";
+        QTest::newRow("name without extension") << "name" << "BL3_abcdef gif" << "BL3_abcgif";
+        QTest::newRow("short name") << "name" << "ab bmp" << "bmp";
+        QTest::newRow(".jpg has a quality") << "quality" << "/p/a.jpg" << "yes";
+        QTest::newRow(".JPG has none") << "quality" << "/p/a.JPG" << "no";
+        QTest::newRow(".jpeg has none") << "quality" << "/p/a.jpeg" << "no";
+        QTest::newRow("no dot, ending in jpg") << "quality" << "ajpg" << "yes";
+        QTest::newRow("folder") << "folder" << "/home/me/pics/a.jpg" << "/hom";
+        QTest::newRow("folder of a .jpeg") << "folder" << "/x/abc.jpeg" << "/x/abc.";
+        QTest::newRow("no folder") << "folder" << "ajpg" << "ajp";
     }
-    void filterAndName()
+    void rules()
     {
-        QFETCH(QString, saveType);
-        QFETCH(QString, layoutName);
-        QFETCH(QString, proposed);
-        QFETCH(QString, filter);
-        QCOMPARE(SaveImageFilter(saveType), filter);
-        QCOMPARE(SaveImageProposedName(layoutName, saveType), proposed);
+        QFETCH(QString, rule);
+        QFETCH(QString, input);
+        QFETCH(QString, expected);
+        const QString got = rule == "filter" ? SaveImageFilter(input)
+                            : rule == "name" ? SaveImageProposedName(input.section(' ', 0, 0), input.section(' ', 1))
+                            : rule == "folder"                ? RememberedSaveFolder(input)
+                            : SaveImageQualityEnabled(input) ? "yes"
+                                                             : "no";
+        QCOMPARE(got, expected);
     }
 
     void filterFollowsLanguage()
@@ -104,26 +118,6 @@ private slots:
                     "Alle Dateien (*.*)|*.*");
     }
 
-    void qualityAndFolder_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<bool>("quality");
-        QTest::addColumn<QString>("folder");
-        // The folder keeps (length - position of the last separator - 1) characters.
-        QTest::newRow(".jpg") << "/home/me/pics/a.jpg" << true << "/hom";
-        QTest::newRow(".JPG") << "/home/me/pics/a.JPG" << false << "/hom";
-        QTest::newRow(".jpeg") << "/x/abc.jpeg" << false << "/x/abc.";
-        QTest::newRow("no folder") << "ajpg" << true << "ajp";
-    }
-    void qualityAndFolder()
-    {
-        QFETCH(QString, path);
-        QFETCH(bool, quality);
-        QFETCH(QString, folder);
-        QCOMPARE(SaveImageQualityEnabled(path), quality);
-        QCOMPARE(RememberedSaveFolder(path), folder);
-    }
-
     // Each row: base size, the opening percent, then one change; the three boxes after it.
     void proportions_data()
     {
@@ -132,10 +126,9 @@ private slots:
         QTest::addColumn<QString>("box");
         QTest::addColumn<int>("value");
         QTest::addColumn<QList<int>>("expected"); // width, height, percent
+        QTest::newRow("percent 250") << QSize(1630, 2940) << 100 << "percent" << 250 << QList<int>{4075, 7350, 250};
         QTest::newRow("height 400 on 1000x800") << QSize(1000, 800) << 100 << "height" << 400
                                                 << QList<int>{500, 400, 50};
-        QTest::newRow("percent 250") << QSize(1630, 2940) << 100 << "percent" << 250 << QList<int>{4075, 7350, 250};
-        // 12.5 % of 100 x 100: each 12.5 rounds to the even 12.
         // Width 5 of 200 x 100 asks for height 2.5, which is 2, which asks for width 4.
         QTest::newRow("ties to even") << QSize(200, 100) << 100 << "width" << 5 << QList<int>{4, 2, 2};
         QTest::newRow("width above the limit") << QSize(1000, 800) << 100 << "width" << 20000
