@@ -28,29 +28,21 @@ class TestLayoutPainter : public DocumentTest {
         return viewOf(int(1000 * zoom), int(800 * zoom), 1000, 800, 1000, zoom);
     }
 
-    // Paints doc as view shows it on a black picture of the client size (into out when
-    // given), with a new painter or one kept between repaints; returns what it drew.
-    static int paint(const LayoutDocument &doc, const ViewGeometry &view, QImage *out = nullptr,
-                     LayoutPainter *kept = nullptr)
+    // Doc painted as view shows it on a black picture of the client size, by a new painter
+    // or one kept between repaints; drawn, when given, gets what the painter counted.
+    static QImage painted(const LayoutDocument &doc, const ViewGeometry &view, int *drawn = nullptr,
+                          LayoutPainter *kept = nullptr)
     {
         LayoutPainter fresh;
         QImage target(view.clientWidth(), view.clientHeight(), QImage::Format_ARGB32_Premultiplied);
         target.fill(Qt::black);
-        int drawn;
-        {
-            cGraphics g;
-            g.CreateFromHdc(&target);
-            drawn = (kept ? *kept : fresh).Draw(g, doc, view);
-        }
-        if (out)
-            *out = target;
-        return drawn;
-    }
-    static QImage painted(const LayoutDocument &doc, const ViewGeometry &view)
-    {
-        QImage out;
-        paint(doc, view, &out);
-        return out;
+        cGraphics g;
+        g.CreateFromHdc(&target);
+        const int n = (kept ? *kept : fresh).Draw(g, doc, view);
+        g.Handle()->end();
+        if (drawn)
+            *drawn = n;
+        return target;
     }
 
     // Some tests change the background; the others get the fixture's plain one.
@@ -105,7 +97,8 @@ private slots:
             ViewGeometry view = viewOf(200, 100, doc->BoundsWidth(), doc->BoundsHeight(), 1630);
             view.setScroll(0, 500);
             view.setScroll(1, 300);
-            drawn << paint(*doc, view) - 1; // the start marker left out
+            painted(*doc, view, &drawn.emplace_back());
+            --drawn.last(); // the start marker left out
         }
         QCOMPARE(drawn, (QList<int>{1, 1, 1, 1}));
     }
@@ -115,9 +108,9 @@ private slots:
         options().AU1 = m_fx.app.file(QStringLiteral("missing.png"));
         auto doc = m_fx.document(QStringLiteral("AU1_none.lyt"));
         QVERIFY(doc->Background().isNull());
-        QImage target;
-        QCOMPARE(paint(*doc, viewOf(200, 100, 0, 0, 0), &target), 0);
-        QCOMPARE(target.pixel(100, 50), qRgb(0, 0, 0));
+        int drawn = -1;
+        QCOMPARE(painted(*doc, viewOf(200, 100, 0, 0, 0), &drawn).pixel(100, 50), qRgb(0, 0, 0));
+        QCOMPARE(drawn, 0);
     }
 
     // The stretched background is kept between repaints but must follow the scroll.
@@ -130,11 +123,9 @@ private slots:
         auto doc = m_fx.document(QStringLiteral("AU1_halves.lyt"));
         ViewGeometry view = viewOf(100, 100, 400, 300, 1630);
         LayoutPainter painter;
-        QImage left, right;
-        paint(*doc, view, &left, &painter);
+        const QRgb left = painted(*doc, view, nullptr, &painter).pixel(50, 50);
         view.setScroll(0, 250);
-        paint(*doc, view, &right, &painter);
-        QCOMPARE((QList<QRgb>{left.pixel(50, 50), right.pixel(50, 50)}),
+        QCOMPARE((QList<QRgb>{left, painted(*doc, view, nullptr, &painter).pixel(50, 50)}),
                  (QList<QRgb>{qRgb(255, 0, 0), qRgb(0, 0, 255)}));
     }
 
