@@ -100,11 +100,11 @@ private slots:
         QFETCH(QString, rule);
         QFETCH(QString, input);
         QFETCH(QString, expected);
-        const QString got = rule == "filter" ? SaveImageFilter(input)
-                            : rule == "name" ? SaveImageProposedName(input.section(' ', 0, 0), input.section(' ', 1))
-                            : rule == "folder"                ? RememberedSaveFolder(input)
-                            : SaveImageQualityEnabled(input) ? "yes"
-                                                             : "no";
+        const QString name = input.section(' ', 0, 0), type = input.section(' ', 1);
+        const QString got = rule == "filter"   ? SaveImageFilter(input)
+                            : rule == "name"   ? SaveImageProposedName(name, type)
+                            : rule == "folder" ? RememberedSaveFolder(input)
+                                               : (SaveImageQualityEnabled(input) ? "yes" : "no");
         QCOMPARE(got, expected);
     }
 

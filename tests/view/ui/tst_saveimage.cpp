@@ -69,7 +69,8 @@ private slots:
                         seen << box(name)->value();
                 };
                 values();
-                qualityShown = box("udbQual")->isEnabled() && d->findChild<QLabel *>("lblQuality")->isEnabled();
+                qualityShown =
+                    box("udbQual")->isEnabled() && d->findChild<QLabel *>("lblQuality")->isEnabled();
                 box("udbPercent")->setValue(150);
                 values();
                 box("udbWidth")->setValue(300);
