@@ -1,7 +1,6 @@
 #include "base/ErrorLog.h"
 #include "catalogue/ObjectKinds.h"
 #include "core/LayoutObject.h"
-#include "imaging/ColorMatrix.h"
 #include "imaging/cGraphics.h"
 #include "support/TestSupport.h"
 
@@ -53,75 +52,49 @@ private slots:
     }
     void cleanupTestCase() { m_app.reset(); }
 
-    void angleNormalisation_data()
-    {
-        QTest::addColumn<int>("angle");
-        QTest::addColumn<int>("stored");
-        QTest::newRow("-181") << -181 << 179;
-        QTest::newRow("181") << 181 << -179;
-        QTest::newRow("180 stays") << 180 << 180;
-        QTest::newRow("-180 stays") << -180 << -180;
-        QTest::newRow("541 only once") << 541 << 181;
-        QTest::newRow("-541 only once") << -541 << -181;
-        QTest::newRow("0") << 0 << 0;
-    }
+    // Once into -180..180 and no further, for every class.
     void angleNormalisation()
     {
-        QFETCH(int, angle);
-        QFETCH(int, stored);
         for (int kind : {0, 1, 56}) {
-            auto o = make(kind, static_cast<int16_t>(angle), 10);
-            QCOMPARE(int(o->Angle()), stored);
+            QList<int> stored;
+            for (int angle : {-181, 181, 180, -180, 541, -541})
+                stored << make(kind, int16_t(angle), 10)->Angle();
+            QCOMPARE(stored, (QList<int>{179, -179, 180, -180, 181, -181}));
         }
     }
 
-    void updateErrorsAreLogged_data()
-    {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<int>("angle");
-        QTest::addColumn<QString>("logged");
-        QTest::newRow("angle + 360 overflows") << 0 << 32500 << "6: Overflow in nrmlObject.varnoObject_Update";
-        QTest::newRow("kind outside the catalogue")
-            << 61 << 0 << "9: Subscript out of range in ctrlObject.varnoObject_Update";
-    }
     void updateErrorsAreLogged()
     {
-        QFETCH(int, kind);
-        QFETCH(int, angle);
-        QFETCH(QString, logged);
         ScriptedDialogs dlg;
         ClearLoggedErrors();
-        auto o = kind == 61 ? std::unique_ptr<varnoObject>(new ctrlObject) : CreateObjectForKind(kind);
-        o->setID(static_cast<int16_t>(kind));
-        o->Update(static_cast<int16_t>(angle), 10);
-        QCOMPARE(LoggedErrors(), QStringList{logged});
-        QCOMPARE(dlg.messages.size(), 1);
+        make(0, 32500, 10); // angle + 360 overflows
+        ctrlObject outside;
+        outside.setID(61); // a kind outside the catalogue
+        outside.Update(0, 10);
+        QCOMPARE(LoggedErrors(), (QStringList{"6: Overflow in nrmlObject.varnoObject_Update",
+                                              "9: Subscript out of range in ctrlObject.varnoObject_Update"}));
+        QCOMPARE(dlg.messages.size(), 2);
     }
 
-    void pictureSizes_data()
-    {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("imageSize");
-        QTest::newRow("start: 40 + 32") << 0 << 0 << 72;
-        QTest::newRow("finish width 10: 228 + 32") << 1 << 10 << 260;
-        QTest::newRow("checkpoint width 4: round(91.2) + 32") << 2 << 4 << 123;
-        QTest::newRow("restricted area: width x 23") << 55 << 10 << 230;
-        QTest::newRow("route checker width 3") << 59 << 3 << 69;
-    }
+    // The start's 40 + 32, a checkpoint of width 4 round(91.2) + 32, a circle 23 x width.
     void pictureSizes()
     {
-        QFETCH(int, kind);
-        QFETCH(int, width);
-        QFETCH(int, imageSize);
-        auto o = make(kind, 0, static_cast<uint8_t>(width));
-        QCOMPARE(int(o->ImageSize()), imageSize);
-        QCOMPARE(int(o->Width()), kind == 0 ? 0 : width);
+        QList<int> sizes;
+        for (auto [kind, width] : {std::pair{0, 0}, {2, 4}, {55, 10}})
+            sizes << make(kind, 0, uint8_t(width))->ImageSize();
+        QCOMPARE(sizes, (QList<int>{72, 123, 230}));
     }
 
-    void restrictedLineIsFiveHigh()
+    // The 40 x 20 start turned by 90 stands upright: covered 15 above the middle, clear 15
+    // to the side, and lying flat the other way round. A control object given a
+    // restricted-area kind gets a line's thin bar: covered 2 rows off the middle, not 4.
+    void coverage()
     {
-        // A control object given a restricted-area kind gets the thin 5-pixel bar.
+        auto upright = make(0, 90), flat = make(0, 0);
+        int c = flat->image().Width() / 2;
+        QCOMPARE((QList<bool>{upright->OnPixel(c, c - 15), upright->OnPixel(c - 15, c),
+                              flat->OnPixel(c - 15, c), flat->OnPixel(c, c - 15), flat->OnPixel(-1, 0)}),
+                 (QList<bool>{true, false, true, false, false}));
         ctrlObject o;
         o.setID(55);
         QImage bar(10, 30, QImage::Format_ARGB32);
@@ -130,22 +103,20 @@ private slots:
         o.Update(0, 10);
         ObjectKinds()[55].Image = cBitmap();
         QCOMPARE(o.image().Width(), 228 + 32);
-        // Rows 2 above and below the centre are covered, 4 above are not.
-        const int c = o.image().Width() / 2;
-        QVERIFY(o.OnPixel(c, c + 2) && o.OnPixel(c, c - 2));
-        QVERIFY(!o.OnPixel(c, c - 4));
+        c = o.image().Width() / 2;
+        QVERIFY(o.OnPixel(c, c + 2) && o.OnPixel(c, c - 2) && !o.OnPixel(c, c - 4));
     }
 
     void keys()
     {
+        // A control object's key follows its kind; 7 is no control kind and leaves it.
         ctrlObject c;
-        QVERIFY(c.Key().isEmpty());
-        c.setID(3);
-        QCOMPARE(c.Key(), u"checkpoint 2"_s);
-        c.setID(7);
-        QCOMPARE(c.Key(), u"checkpoint 2"_s);
-        c.setID(1);
-        QCOMPARE(c.Key(), u"finish"_s);
+        QStringList ctrl{c.Key()};
+        for (int id : {3, 7, 1}) {
+            c.setID(int16_t(id));
+            ctrl << c.Key();
+        }
+        QCOMPARE(ctrl, (QStringList{"", "checkpoint 2", "checkpoint 2", "finish"}));
 
         nrmlObject n;
         const QRegularExpression pattern(u"^\\d{6}-\\d{6}\\d+(\\.\\d+)?$"_s);
@@ -171,78 +142,56 @@ private slots:
         QCOMPARE((QList<uint>{checker.PenColour(), area.PenColour()}), (QList<uint>{0xFF008000u, 0xFFFF0000u}));
     }
 
-    void rotationTurnsThePicture()
-    {
-        // The 40 x 20 start turned by 90 stands upright: covered above the centre by 15,
-        // clear to the side by 15.
-        auto o = make(0, 90);
-        const int c = o->image().Width() / 2;
-        QVERIFY(o->OnPixel(c, c - 15));
-        QVERIFY(!o->OnPixel(c - 15, c));
-        auto flat = make(0, 0);
-        QVERIFY(flat->OnPixel(c - 15, c));
-        QVERIFY(!flat->OnPixel(c, c - 15));
-        QVERIFY(!flat->OnPixel(-1, 0));
-    }
-
-    void drawing_data()
-    {
-        QTest::addColumn<float>("zoom");
-        QTest::addColumn<int>("expectedPixels");
-        QTest::newRow("zoom 1000 still one pixel") << 1000.0f << 1;
-        QTest::newRow("zoom 0 is one pixel") << 0.0f << 1;
-        QTest::newRow("zoom 4: 72/4 = 18 square, 40x20 block is 10 x 5") << 4.0f << 50;
-    }
+    // Opaque pixels of the start drawn without smoothing: at zoom 4 its 72 square is 18
+    // and the 40 x 20 block 10 x 5; however small, or at zoom 0, it keeps one pixel.
     void drawing()
     {
-        QFETCH(float, zoom);
-        QFETCH(int, expectedPixels);
         auto o = make(0);
-        const cBitmap canvas = drawn(*o, 60, 30, zoom, true);
-        int opaque = 0;
-        for (int y = 0; y < 60; ++y)
-            for (int x = 0; x < 60; ++x)
-                opaque += canvas.GetPixelAlpha(x, y) > 128;
-        QCOMPARE(opaque, expectedPixels);
+        QList<int> opaque;
+        for (float zoom : {1000.0f, 0.0f, 4.0f}) {
+            const cBitmap canvas = drawn(*o, 60, 30, zoom, true);
+            opaque << 0;
+            for (int y = 0; y < 60; ++y)
+                for (int x = 0; x < 60; ++x)
+                    opaque.last() += canvas.GetPixelAlpha(x, y) > 128;
+        }
+        QCOMPARE(opaque, (QList<int>{1, 1, 50}));
     }
 
-    void selectedIsHighlighted()
-    {
-        auto o = make(0);
-        auto paintCentre = [&](bool selected) {
-            o->setSelected(selected);
-            return QColor(drawn(*o, 80, 40, 1.0f).Handle().pixel(40, 40));
-        };
-        QCOMPARE(paintCentre(false), QColor(200, 0, 0));
-        // 0.55 added to every channel: (200, 0, 0) becomes (255, 140, 140).
-        const QColor lit = paintCentre(true);
-        QVERIFY2(lit.red() == 255 && qAbs(lit.green() - 140) <= 1 && qAbs(lit.blue() - 140) <= 1,
-                 qPrintable(lit.name()));
-    }
-
-    void circles_data()
+    // The colour offset pixels right of the middle. A picture is lit by adding 0.55 to
+    // every channel when selected; a circle (width 10 at zoom 4: diameter 230 / 4 = 57.5
+    // -> 58, pen 7) has its ring about 25 pixels out, a lighter pen when selected, and
+    // leaves its middle and the outside clear.
+    void colours_data()
     {
         QTest::addColumn<int>("kind");
         QTest::addColumn<bool>("selected");
+        QTest::addColumn<float>("zoom");
+        QTest::addColumn<int>("offset");
         QTest::addColumn<QColor>("colour");
-        QTest::newRow("route checker") << 59 << false << QColor(0, 255, 0);
-        QTest::newRow("route checker selected") << 59 << true << QColor(0x90, 0xEE, 0x90);
-        QTest::newRow("restricted") << 55 << false << QColor(255, 0, 0);
-        QTest::newRow("restricted selected") << 55 << true << QColor(0xFF, 0xC0, 0xCB);
+        QTest::newRow("start") << 0 << false << 1.0f << 0 << QColor(200, 0, 0);
+        QTest::newRow("start selected") << 0 << true << 1.0f << 0 << QColor(255, 140, 140);
+        QTest::newRow("route checker") << 59 << false << 4.0f << 25 << QColor(0, 255, 0);
+        QTest::newRow("route checker selected") << 59 << true << 4.0f << 25 << QColor(0x90, 0xEE, 0x90);
+        QTest::newRow("restricted") << 55 << false << 4.0f << 25 << QColor(255, 0, 0);
+        QTest::newRow("restricted selected") << 55 << true << 4.0f << 25 << QColor(0xFF, 0xC0, 0xCB);
     }
-    void circles()
+    void colours()
     {
         QFETCH(int, kind);
         QFETCH(bool, selected);
+        QFETCH(float, zoom);
+        QFETCH(int, offset);
         QFETCH(QColor, colour);
-        // Width 10 at zoom 4: diameter 230 / 4 = 57.5 -> 58, pen 7; the ring's middle lies
-        // about 25 pixels from the centre.
         auto o = make(kind, 0, 10);
         o->setSelected(selected);
-        const cBitmap canvas = drawn(*o, 100, 50, 4.0f);
-        QCOMPARE(QColor(canvas.Handle().pixel(50 + 25, 50)), colour);
-        QCOMPARE(canvas.GetPixelAlpha(50, 50), uint8_t(0));
-        QCOMPARE(canvas.GetPixelAlpha(50 + 31, 50), uint8_t(0));
+        const cBitmap canvas = drawn(*o, 100, 50, zoom);
+        const QColor got(canvas.Handle().pixel(50 + offset, 50));
+        QVERIFY2(qAbs(got.red() - colour.red()) <= 1 && qAbs(got.green() - colour.green()) <= 1
+                     && qAbs(got.blue() - colour.blue()) <= 1,
+                 qPrintable(got.name()));
+        if (offset)
+            QVERIFY(canvas.GetPixelAlpha(50, 50) == 0 && canvas.GetPixelAlpha(50 + 31, 50) == 0);
     }
 };
 

@@ -46,28 +46,23 @@ private slots:
         QFETCH(int, error);
         int got = 0;
         int raised = 0;
-        // Rows with NaN or infinity test the double conversions only; casting those to int
-        // would be undefined.
-        const int ia = std::isfinite(a) && std::abs(a) < 2e9 ? int(a) : 0;
-        const int ib = std::isfinite(b) && std::abs(b) < 2e9 ? int(b) : 0;
         try {
             if (op == u"int16")
                 got = rt::toInt16(a);
             else if (op == u"byte")
                 got = rt::toByte(a);
             else if (op == u"add")
-                got = rt::add16(ia, ib);
+                got = rt::add16(int(a), int(b));
             else if (op == u"sub")
-                got = rt::sub16(ia, ib);
+                got = rt::sub16(int(a), int(b));
             else if (op == u"mul")
-                got = rt::mul16(ia, ib);
+                got = rt::mul16(int(a), int(b));
             else if (op == u"div")
-                got = rt::idiv16(ia, ib);
+                got = rt::idiv16(int(a), int(b));
             else
-                rt::checkIndex(ia, 0, 60);
+                rt::checkIndex(int(a), 0, 60);
         } catch (const rt::Error &e) {
             raised = e.number();
-            QCOMPARE(e.message(), QString::number(raised) + QStringLiteral(": ") + rt::errorText(raised));
         }
         QCOMPARE(raised, error);
         QCOMPARE(got, expected);
@@ -75,10 +70,11 @@ private slots:
 
     void texts()
     {
-        QCOMPARE(rt::Error(6).message(), QStringLiteral("6: Overflow"));
-        QCOMPARE(rt::Error(9).message(), QStringLiteral("9: Subscript out of range"));
-        QCOMPARE(rt::Error(13).message(), QStringLiteral("13: Type mismatch"));
-        QCOMPARE(rt::Error(62).message(), QStringLiteral("62: Input past end of file"));
+        QStringList texts;
+        for (int n : {6, 9, 13, 62})
+            texts << rt::Error(n).message();
+        QCOMPARE(texts, QStringList({"6: Overflow", "9: Subscript out of range", "13: Type mismatch",
+                                     "62: Input past end of file"}));
     }
 };
 

@@ -43,21 +43,15 @@ QStringList filesIn(const QString &folder)
 
 } // namespace
 
-class TestImageExport : public QObject {
+class TestImageExport : public DocumentTest {
     Q_OBJECT
-
-    DocumentFixture m_fx{200, 160};
-    std::optional<ScriptedDialogs> m_dialogs;
     std::unique_ptr<LayoutSession> m_session;
     LayoutDocument *m_doc = nullptr;
     QString m_out;
 
-private slots:
-    void init()
+    void prepare() override
     {
-        m_dialogs.emplace();
-        ClearLoggedErrors();
-        // A background with detail in both directions, so a wrong stretch shows.
+        // A 200 x 160 background with detail in both directions, so a wrong stretch shows.
         QImage bg(200, 160, QImage::Format_RGB32);
         for (int y = 0; y < bg.height(); ++y)
             for (int x = 0; x < bg.width(); ++x)
@@ -65,40 +59,55 @@ private slots:
         bg.save(options().AU1);
         m_session = m_fx.session(QStringLiteral("AU1_export.lyt"));
         m_doc = &m_session->document();
-        QCOMPARE(m_doc->BoundsWidth(), 200);
-        addObject(*m_doc, 5, 40, 30, 30);             // an ordinary object, turned
-        addObject(*m_doc, Kind::Finish, 100, 80, 0, 20); // a line with a width
+        addObject(*m_doc, 5, 40, 30, 30);                // an ordinary object, turned
+        addObject(*m_doc, Kind::Finish, 100, 80, 0, 20); // a line with a width, selected
         addObject(*m_doc, Kind::RestrictedMarshall, 150, 120, 0, 2);
         addObject(*m_doc, Kind::RouteChecker, 60, 130, 0, 3);
-        addObject(*m_doc, 12, 199, 159, -90);         // at the corner, partly outside
+        addObject(*m_doc, 12, 199, 159, -90); // at the corner, partly outside
         m_doc->Select({m_doc->Objects().At(1).Key()}, LayoutDocument::SelectMode::Add);
-        QCOMPARE(m_doc->Objects().Count(), 5);
         m_out = m_fx.app.file(QStringLiteral("out/") + QString::fromLatin1(QTest::currentTestFunction()) + u'/'
                               + QString::fromLatin1(QTest::currentDataTag()));
         QDir().mkpath(m_out);
     }
-    void cleanup()
-    {
-        m_session.reset();
-        m_dialogs.reset();
-    }
 
-    void filter_data()
+private slots:
+    // The save dialog's rules, one function a row. The filter puts the chosen type first;
+    // the proposed name gives up its last three characters, whatever they are, for the
+    // type; only a name ending in exactly "jpg" offers the quality; the remembered folder
+    // keeps (length - position of the last separator - 1) characters.
+    void rules_data()
     {
-        QTest::addColumn<QString>("saveType");
-        QTest::addColumn<QString>("filter");
+        QTest::addColumn<QString>("rule");
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QString>("expected");
         const QString png = "PNG file (*.png)|*.png|", jpg = "JPG file (*.jpg)|*.jpg|",
                       gif = "GIF file (*.gif)|*.gif|", bmp = "BMP file (*.bmp)|*.bmp|", all = "All files (*.*)|*.*";
-        QTest::newRow("png") << "png" << png + jpg + gif + bmp + all;
-        QTest::newRow("gif") << "gif" << gif + jpg + png + bmp + all;
-        QTest::newRow("upper case GIF") << "GIF" << gif + jpg + png + bmp + all;
-        QTest::newRow("anything else is jpg") << "tif" << jpg + png + gif + bmp + all;
+        QTest::newRow("png filter") << "filter" << "png" << png + jpg + gif + bmp + all;
+        QTest::newRow("gif filter") << "filter" << "gif" << gif + jpg + png + bmp + all;
+        QTest::newRow("upper case GIF filter") << "filter" << "GIF" << gif + jpg + png + bmp + all;
+        QTest::newRow("any other filter is jpg") << "filter" << "tif" << jpg + png + gif + bmp + all;
+        QTest::newRow("name for a .lyt") << "name" << "AU1_track.lyt png" << "AU1_track.png";
+        QTest::newRow("name without extension") << "name" << "BL3_abcdef gif" << "BL3_abcgif";
+        QTest::newRow("short name") << "name" << "ab bmp" << "bmp";
+        QTest::newRow(".jpg has a quality") << "quality" << "/p/a.jpg" << "yes";
+        QTest::newRow(".JPG has none") << "quality" << "/p/a.JPG" << "no";
+        QTest::newRow(".jpeg has none") << "quality" << "/p/a.jpeg" << "no";
+        QTest::newRow("no dot, ending in jpg") << "quality" << "ajpg" << "yes";
+        QTest::newRow("folder") << "folder" << "/home/me/pics/a.jpg" << "/hom";
+        QTest::newRow("folder of a .jpeg") << "folder" << "/x/abc.jpeg" << "/x/abc.";
+        QTest::newRow("no folder") << "folder" << "ajpg" << "ajp";
     }
-    void filter()
+    void rules()
     {
-        QFETCH(QString, saveType);
-        QFETCH(QString, filter);
-        QCOMPARE(SaveImageFilter(saveType), filter);
+        QFETCH(QString, rule);
+        QFETCH(QString, input);
+        QFETCH(QString, expected);
+        const QString name = input.section(' ', 0, 0), type = input.section(' ', 1);
+        const QString got = rule == "filter"   ? SaveImageFilter(input)
+                            : rule == "name"   ? SaveImageProposedName(name, type)
+                            : rule == "folder" ? RememberedSaveFolder(input)
+                                               : (SaveImageQualityEnabled(input) ? "yes" : "no");
+        QCOMPARE(got, expected);
     }
 
     void filterFollowsLanguage()
@@ -111,44 +120,6 @@ private slots:
                     "Alle Dateien (*.*)|*.*");
     }
 
-    void names_data()
-    {
-        QTest::addColumn<QString>("layoutName");
-        QTest::addColumn<QString>("saveType");
-        QTest::addColumn<QString>("proposed");
-        QTest::newRow("lyt") << "AU1_track.lyt" << "png" << "AU1_track.png";
-        // Only three characters go, whatever they are.
-        QTest::newRow("no extension") << "BL3_abcdef" << "gif" << "BL3_abcgif";
-        QTest::newRow("short") << "ab" << "bmp" << "bmp";
-    }
-    void names()
-    {
-        QFETCH(QString, layoutName);
-        QFETCH(QString, saveType);
-        QFETCH(QString, proposed);
-        QCOMPARE(SaveImageProposedName(layoutName, saveType), proposed);
-    }
-
-    void qualityAndFolder_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<bool>("quality");
-        QTest::addColumn<QString>("folder");
-        // The folder keeps (length - position of the last separator - 1) characters.
-        QTest::newRow(".jpg") << "/home/me/pics/a.jpg" << true << "/hom";
-        QTest::newRow(".JPG") << "/home/me/pics/a.JPG" << false << "/hom";
-        QTest::newRow(".jpeg") << "/x/abc.jpeg" << false << "/x/abc.";
-        QTest::newRow("no folder") << "ajpg" << true << "ajp";
-    }
-    void qualityAndFolder()
-    {
-        QFETCH(QString, path);
-        QFETCH(bool, quality);
-        QFETCH(QString, folder);
-        QCOMPARE(SaveImageQualityEnabled(path), quality);
-        QCOMPARE(RememberedSaveFolder(path), folder);
-    }
-
     // Each row: base size, the opening percent, then one change; the three boxes after it.
     void proportions_data()
     {
@@ -157,12 +128,9 @@ private slots:
         QTest::addColumn<QString>("box");
         QTest::addColumn<int>("value");
         QTest::addColumn<QList<int>>("expected"); // width, height, percent
-        QTest::newRow("50% of 1024") << QSize(1024, 1024) << 50 << "" << 0 << QList<int>{512, 512, 50};
-        QTest::newRow("width 300 on 1000x800") << QSize(1000, 800) << 100 << "width" << 300 << QList<int>{300, 240, 30};
+        QTest::newRow("percent 250") << QSize(1630, 2940) << 100 << "percent" << 250 << QList<int>{4075, 7350, 250};
         QTest::newRow("height 400 on 1000x800") << QSize(1000, 800) << 100 << "height" << 400
                                                 << QList<int>{500, 400, 50};
-        QTest::newRow("percent 250") << QSize(1630, 2940) << 100 << "percent" << 250 << QList<int>{4075, 7350, 250};
-        // 12.5 % of 100 x 100: each 12.5 rounds to the even 12.
         // Width 5 of 200 x 100 asks for height 2.5, which is 2, which asks for width 4.
         QTest::newRow("ties to even") << QSize(200, 100) << 100 << "width" << 5 << QList<int>{4, 2, 2};
         QTest::newRow("width above the limit") << QSize(1000, 800) << 100 << "width" << 20000
@@ -220,17 +188,16 @@ private slots:
         QCOMPARE(back.size(), size);
         const QImage expected = referencePicture(*m_doc, m_session->Background(), size, true);
         const QImage bare = referencePicture(*m_doc, m_session->Background(), size, false);
-        auto maxOff = [](QRgb a, QRgb b) {
-            return std::max({qAbs(qRed(a) - qRed(b)), qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b))});
-        };
-        auto distance = [](QRgb a, QRgb b) {
-            return qAbs(qRed(a) - qRed(b)) + qAbs(qGreen(a) - qGreen(b)) + qAbs(qBlue(a) - qBlue(b));
+        // The largest difference of one channel, or the sum of all three.
+        auto distance = [](QRgb a, QRgb b, bool largest = false) {
+            const int d[] = {qAbs(qRed(a) - qRed(b)), qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b))};
+            return largest ? std::max({d[0], d[1], d[2]}) : d[0] + d[1] + d[2];
         };
         int outliers = 0, objectPixels = 0, right = 0;
         for (int y = 0; y < size.height(); ++y)
             for (int x = 0; x < size.width(); ++x) {
                 const QRgb a = back.pixel(x, y), e = expected.pixel(x, y), b = bare.pixel(x, y);
-                outliers += maxOff(a, e) > tolerance;
+                outliers += distance(a, e, true) > tolerance;
                 if (distance(e, b) > 90) {
                     ++objectPixels;
                     right += distance(a, e) < distance(a, b);
@@ -273,14 +240,10 @@ private slots:
             return f < stopAt;
         });
         QVERIFY(ordered);
-        if (stopAt > 1) {
-            QCOMPARE(r.status, ImageExportResult::Written);
-            QCOMPARE(last, 1.0);
-            return;
-        }
-        QCOMPARE(r.status, ImageExportResult::Cancelled);
-        QVERIFY(last >= stopAt);
-        QCOMPARE(filesIn(m_out), existing ? QStringList{name} : QStringList());
+        const bool stopped = stopAt <= 1;
+        QCOMPARE(r.status, stopped ? ImageExportResult::Cancelled : ImageExportResult::Written);
+        QVERIFY2(stopped ? last >= stopAt : last == 1.0, qPrintable(QString::number(last)));
+        QCOMPARE(filesIn(m_out), stopped && !existing ? QStringList() : QStringList{name});
         if (existing)
             QCOMPARE(ReadAll(path), QByteArray("old picture"));
     }

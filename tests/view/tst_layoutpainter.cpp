@@ -7,41 +7,47 @@
 #include "view/LayoutPainter.h"
 #include "view/ViewGeometry.h"
 
+#include <QPainter>
 #include <QtTest>
 
 class TestLayoutPainter : public DocumentTest {
     Q_OBJECT
 
-    // Paints doc as view shows it on a black picture of the client size (into out when
-    // given); returns what the painter counts as drawn.
-    static int paint(const LayoutSession &session, ViewGeometry &view, QImage *out = nullptr)
+    // A view of client size cw x ch on a bw x bh background at zoom.
+    static ViewGeometry viewOf(int cw, int ch, int bw, int bh, int span, float zoom = 1.0f)
     {
+        ViewGeometry view;
+        view.setClientSize(cw, ch);
+        view.setBackground(bw, bh, span);
+        view.setZoom(zoom);
+        return view;
+    }
+    // The whole layout at zoom, objects at true scale as on the shipped pictures.
+    static ViewGeometry wholeView(float zoom)
+    {
+        return viewOf(int(1000 * zoom), int(800 * zoom), 1000, 800, 1000, zoom);
+    }
+
+    // Doc painted as view shows it on a black picture of the client size, by a new painter
+    // or one kept between repaints; drawn, when given, gets what the painter counted.
+    static QImage painted(const LayoutSession &session, const ViewGeometry &view, int *drawn = nullptr,
+                          LayoutPainter *kept = nullptr)
+    {
+        LayoutPainter fresh;
         QImage target(view.clientWidth(), view.clientHeight(), QImage::Format_ARGB32_Premultiplied);
         target.fill(Qt::black);
-        int drawn;
-        {
-            cGraphics g;
-            g.CreateFromHdc(&target);
-            drawn = LayoutPainter().Draw(g, session.document(), session.Background(), view);
-        }
-        if (out)
-            *out = target;
-        return drawn;
+        cGraphics g;
+        g.CreateFromHdc(&target);
+        const int n = (kept ? *kept : fresh).Draw(g, session.document(), session.Background(), view);
+        g.Handle()->end();
+        if (drawn)
+            *drawn = n;
+        return target;
     }
 
     // Some tests change the background; the others get the fixture's plain one.
     void prepare() override { options().AU1 = m_fx.app.file(QStringLiteral("bg.png")); }
 
-    // The whole layout painted as the view shows it at zoom.
-    static QImage paintView(const LayoutSession &session, ViewGeometry &view, float zoom)
-    {
-        view.setClientSize(int(1000 * zoom), int(800 * zoom));
-        view.setBackground(1000, 800, 1000); // objects at true scale, as on the shipped pictures
-        view.setZoom(zoom);
-        QImage target;
-        paint(session, view, &target);
-        return target;
-    }
     static QPoint inView(const ViewGeometry &view, int x, int y)
     {
         view.layoutToView(x, y);
@@ -77,36 +83,25 @@ private slots:
         FillCatalogue();
     }
 
-    void culling_data()
-    {
-        QTest::addColumn<int>("x");
-        QTest::addColumn<int>("y");
-        QTest::addColumn<int>("drawn");
-        // Scrolled to 500, 300 with 200 x 100 units visible.
-        QTest::newRow("127 left") << 500 - 127 << 350 << 1;
-        QTest::newRow("129 left") << 500 - 129 << 350 << 0;
-        QTest::newRow("127 above") << 600 << 300 - 127 << 1;
-        QTest::newRow("129 above") << 600 << 300 - 129 << 0;
-        QTest::newRow("127 right") << 700 + 127 << 350 << 1;
-        QTest::newRow("129 right") << 700 + 129 << 350 << 0;
-        QTest::newRow("127 below") << 600 << 400 + 127 << 1;
-        QTest::newRow("129 below") << 600 << 400 + 129 << 0;
-    }
+    // Scrolled to 500, 300 with 200 x 100 units visible: an object 127 units past an edge
+    // may still reach in and is drawn, one 129 past is left out.
     void culling()
     {
-        QFETCH(int, x);
-        QFETCH(int, y);
-        QFETCH(int, drawn);
-        auto session = m_fx.session(QStringLiteral("AU1_cull.lyt"));
-        auto *doc = &session->document();
-        addObject(*doc, 20, x, y);
-        ViewGeometry view;
-        view.setClientSize(200, 100);
-        view.setBackground(doc->BoundsWidth(), doc->BoundsHeight(), 1630);
-        view.setZoom(1.0f);
-        view.setScroll(0, 500);
-        view.setScroll(1, 300);
-        QCOMPARE(paint(*session, view) - 1, drawn); // the start marker left out
+        QList<int> drawn;
+        for (QPoint direction : {QPoint(-1, 0), QPoint(0, -1), QPoint(1, 0), QPoint(0, 1)}) {
+            auto session = m_fx.session(QStringLiteral("AU1_cull.lyt"));
+            auto *doc = &session->document();
+            for (int past : {127, 129}) {
+                // From the middle, past the half width or height.
+                addObject(*doc, 20, 600 + direction.x() * (100 + past), 350 + direction.y() * (50 + past));
+            }
+            ViewGeometry view = viewOf(200, 100, doc->BoundsWidth(), doc->BoundsHeight(), 1630);
+            view.setScroll(0, 500);
+            view.setScroll(1, 300);
+            painted(*session, view, &drawn.emplace_back());
+            --drawn.last(); // the start marker left out
+        }
+        QCOMPARE(drawn, (QList<int>{1, 1, 1, 1}));
     }
 
     void withoutBackgroundNothingIsDrawn()
@@ -115,11 +110,9 @@ private slots:
         auto session = m_fx.session(QStringLiteral("AU1_none.lyt"));
         auto *doc = &session->document();
         QVERIFY(session->Background().isNull());
-        ViewGeometry view;
-        view.setClientSize(200, 100);
-        QImage target;
-        QCOMPARE(paint(*session, view, &target), 0);
-        QCOMPARE(target.pixel(100, 50), qRgb(0, 0, 0));
+        int drawn = -1;
+        QCOMPARE(painted(*session, viewOf(200, 100, 0, 0, 0), &drawn).pixel(100, 50), qRgb(0, 0, 0));
+        QCOMPARE(drawn, 0);
     }
 
     // The stretched background is kept between repaints but must follow the scroll.
@@ -127,31 +120,16 @@ private slots:
     {
         QImage bg(400, 300, QImage::Format_RGB32);
         bg.fill(Qt::red);
-        for (int y = 0; y < 300; ++y)
-            for (int x = 200; x < 400; ++x)
-                bg.setPixel(x, y, qRgb(0, 0, 255));
-        const QString path = m_fx.app.file(QStringLiteral("halves.png"));
-        bg.save(path);
-        options().AU1 = path;
+        QPainter(&bg).fillRect(200, 0, 200, 300, Qt::blue);
+        bg.save(options().AU1 = m_fx.app.file(QStringLiteral("halves.png")));
         auto session = m_fx.session(QStringLiteral("AU1_halves.lyt"));
         auto *doc = &session->document();
-        ViewGeometry view;
-        view.setClientSize(100, 100);
-        view.setBackground(400, 300, 1630);
-        view.setZoom(1.0f);
+        ViewGeometry view = viewOf(100, 100, 400, 300, 1630);
         LayoutPainter painter;
-        auto paint = [&] {
-            QImage target(100, 100, QImage::Format_ARGB32_Premultiplied);
-            cGraphics g;
-            g.CreateFromHdc(&target);
-            painter.DrawBackground(g, session->Background(), view);
-            g.Handle()->end();
-            return target.pixel(50, 50);
-        };
-        view.setScroll(0, 0);
-        QCOMPARE(paint(), qRgb(255, 0, 0));
+        const QRgb left = painted(*session, view, nullptr, &painter).pixel(50, 50);
         view.setScroll(0, 250);
-        QCOMPARE(paint(), qRgb(0, 0, 255));
+        QCOMPARE((QList<QRgb>{left, painted(*session, view, nullptr, &painter).pixel(50, 50)}),
+                 (QList<QRgb>{qRgb(255, 0, 0), qRgb(0, 0, 255)}));
     }
 
     // A finish or checkpoint is a 5-pixel strip drawn at a small fraction of its
@@ -189,8 +167,8 @@ private slots:
                         QVERIFY(RenderLayoutPicture(ExportScene(*doc, session->Background()), picture));
                         centre = QPoint(5 * percent, percent);
                     } else {
-                        ViewGeometry view;
-                        picture = paintView(*session, view, float(percent) / 100.0f);
+                        const ViewGeometry view = wholeView(float(percent) / 100.0f);
+                        picture = painted(*session, view);
                         centre = inView(view, 500, 100);
                     }
                     // 22.8 picture pixels per unit of width, four to a layout unit.
@@ -201,49 +179,37 @@ private slots:
                         const QPoint at =
                             centre + QPoint(qRound(along * std::cos(a)), qRound(-along * std::sin(a)));
                         QVERIFY2(colourNear(picture, at, 2, ground, 2, true),
-                                 qPrintable(QStringLiteral(
-                                                "width %1 turned %2 at %3%: nothing %4 px from the middle")
-                                                .arg(width)
-                                                .arg(angle)
-                                                .arg(percent)
-                                                .arg(along)));
+                                 qPrintable(QStringLiteral("width %1 turned %2 at %3%: gap %4 off the middle")
+                                                .arg(width).arg(angle).arg(percent).arg(along)));
                     }
                 }
     }
 
-    // The view outlines the selection and marks selected objects too small to see lit;
-    // an export of the same document shows neither.
-    void selectionMarks_data()
-    {
-        QTest::addColumn<float>("zoom");
-        QTest::addColumn<bool>("marker");
-        QTest::newRow("zoom 1: the cone is large enough") << 1.0f << false;
-        QTest::newRow("zoom 0.25: the cone gets a marker") << 0.25f << true;
-    }
+    // The view outlines the selection and marks selected objects too small to see lit (the
+    // cone at zoom 0.25, not at 1); an export of the same document shows neither.
     void selectionMarks()
     {
-        QFETCH(float, zoom);
-        QFETCH(bool, marker);
         auto session = m_fx.session(QStringLiteral("AU1_selection.lyt"));
         auto *doc = &session->document();
         addObject(*doc, Kind::Finish, 300, 300, 0, 10, true);
         addObject(*doc, 27, 500, 400, 0, 0, true);
         addObject(*doc, Kind::Checkpoint1, 700, 500, 0, 10, true);
         addObject(*doc, 27, 850, 150); // not selected, outside the selection
-        ViewGeometry view;
-        const QImage picture = paintView(*session, view, zoom);
-        QRect outline;
-        for (int y = 0; y < picture.height(); ++y)
-            for (int x = 0; x < picture.width(); ++x)
-                if (colourNear(picture, {x, y}, 0, SelectionColour, 24))
-                    outline |= QRect(x, y, 1, 1);
-        // Around both lines whole (57 units long), clear of the unselected cone.
-        const int reach = qRound(57 / 2 * zoom);
-        QVERIFY(outline.contains(
-            QRect(inView(view, 300, 300) - QPoint(reach, 0), inView(view, 700, 500) + QPoint(reach, 0))));
-        QVERIFY(!outline.contains(inView(view, 850, 150)));
-        QCOMPARE(colourNear(picture, inView(view, 500, 400), 4, SelectionColour, 24), marker);
-
+        for (float zoom : {1.0f, 0.25f}) {
+            const ViewGeometry view = wholeView(zoom);
+            const QImage picture = painted(*session, view);
+            QRect outline;
+            for (int y = 0; y < picture.height(); ++y)
+                for (int x = 0; x < picture.width(); ++x)
+                    if (colourNear(picture, {x, y}, 0, SelectionColour, 24))
+                        outline |= QRect(x, y, 1, 1);
+            // Around both lines whole (57 units long), clear of the unselected cone.
+            const int reach = qRound(57 / 2 * zoom);
+            QVERIFY(outline.contains(
+                QRect(inView(view, 300, 300) - QPoint(reach, 0), inView(view, 700, 500) + QPoint(reach, 0))));
+            QVERIFY(!outline.contains(inView(view, 850, 150)));
+            QCOMPARE(colourNear(picture, inView(view, 500, 400), 4, SelectionColour, 24), zoom < 1.0f);
+        }
         QImage exported(500, 400, QImage::Format_ARGB32_Premultiplied);
         QVERIFY(RenderLayoutPicture(ExportScene(*doc, session->Background()), exported));
         QVERIFY(!colourNear(exported, {250, 200}, 250, SelectionColour, 24));

@@ -16,35 +16,13 @@
 #include <QTimer>
 #include <QtTest>
 
-namespace {
-
-// Runs fn on the size dialog once it is showing, then presses one of its buttons.
-void whenDialogShows(const std::function<void(frmSave &)> &fn, const QString &button)
-{
-    QTimer::singleShot(0, [fn, button] {
-        auto *dlg = qobject_cast<frmSave *>(QApplication::activeModalWidget());
-        if (!dlg)
-            return;
-        fn(*dlg);
-        dlg->findChild<QPushButton *>(button)->click();
-    });
-}
-
-} // namespace
-
-class TestSaveImage : public QObject {
+class TestSaveImage : public DocumentTest {
     Q_OBJECT
-
-    DocumentFixture m_fx{1000, 800};
-    std::optional<ScriptedDialogs> m_dialogs;
     std::unique_ptr<LayoutSession> m_session;
     LayoutDocument *m_doc = nullptr;
 
-private slots:
-    void init()
+    void prepare() override
     {
-        m_dialogs.emplace();
-        ClearLoggedErrors();
         options().SaveFolder = m_fx.app.file("layouts");
         options().RememberSaveFolder = true;
         options().SaveType = "png";
@@ -56,83 +34,67 @@ private slots:
         QDir(m_fx.app.file("pictures")).removeRecursively();
         QDir().mkpath(m_fx.app.file("pictures"));
     }
-    void cleanup()
-    {
-        m_session.reset();
-        m_dialogs.reset();
-    }
 
-    // The boxes open at the given percent, follow each other, and offer the quality
-    // only for a name ending in exactly "jpg".
-    void boxes_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<bool>("quality");
-        QTest::newRow(".jpg") << "/p/a.jpg" << true;
-        QTest::newRow(".JPG") << "/p/a.JPG" << false;
-    }
-    void boxes()
-    {
-        QFETCH(QString, path);
-        QFETCH(bool, quality);
-        frmSave dlg;
-        QList<int> seen;
-        bool qualityShown = !quality;
-        whenDialogShows(
-            [&](frmSave &d) {
-                auto values = [&] {
-                    for (const char *name : {"udbWidth", "udbHeight", "udbPercent", "udbQual"})
-                        seen << d.findChild<QSpinBox *>(name)->value();
-                };
-                values();
-                qualityShown = d.findChild<QSpinBox *>("udbQual")->isEnabled()
-                               && d.findChild<QLabel *>("lblQuality")->isEnabled();
-                d.findChild<QSpinBox *>("udbPercent")->setValue(50);
-                d.findChild<QSpinBox *>("udbWidth")->setValue(300);
-                values();
-            },
-            "cmdCancel");
-        QVERIFY(!dlg.Save(path, 1000, 800, 150, 70));
-        QCOMPARE(seen, (QList<int>{1500, 1200, 150, 70, 300, 240, 30, 70}));
-        QCOMPARE(qualityShown, quality);
-    }
-
-    // The whole command: the save dialog's request, the size dialog, the file. A cancel
-    // in either dialog writes nothing.
+private slots:
+    // The whole command: the save dialog's request; the size dialog, whose boxes open at
+    // the stored percent, follow each other and offer the quality only for a name ending
+    // in exactly "jpg"; the file. A cancel in either dialog writes nothing.
     void wholeCommand_data()
     {
         QTest::addColumn<QString>("answer");
         QTest::addColumn<QString>("button");
-        QTest::addColumn<QSize>("size");
-        QTest::newRow("png at the stored 50%") << "pictures/AU1_track.png" << "cmdSave" << QSize(500, 400);
-        QTest::newRow("upper-case JPG") << "pictures/AU1_track.JPG" << "cmdSave" << QSize(500, 400);
-        QTest::newRow("save dialog cancelled") << "" << "" << QSize();
-        QTest::newRow("size dialog cancelled") << "pictures/a.png" << "cmdCancel" << QSize();
+        QTest::addColumn<bool>("quality");
+        QTest::newRow("jpg") << "pictures/AU1_track.jpg" << "cmdSave" << true;
+        QTest::newRow("upper-case JPG") << "pictures/AU1_track.JPG" << "cmdSave" << false;
+        QTest::newRow("save dialog cancelled") << "" << "" << false;
+        QTest::newRow("size dialog cancelled") << "pictures/a.png" << "cmdCancel" << false;
     }
     void wholeCommand()
     {
         QFETCH(QString, answer);
         QFETCH(QString, button);
-        QFETCH(QSize, size);
+        QFETCH(bool, quality);
         const QString path = m_fx.app.file(answer);
         if (!answer.isEmpty())
             m_dialogs->saveAnswers << path;
+        QList<int> seen;
+        bool qualityShown = false;
+        // Once the size dialog shows, read its boxes, change two and press button.
         if (!button.isEmpty())
-            whenDialogShows([](frmSave &) {}, button);
-        QCOMPARE(LayoutSaveImage(*m_session, nullptr), size.isValid());
+            QTimer::singleShot(0, [&] {
+                auto *d = qobject_cast<frmSave *>(QApplication::activeModalWidget());
+                if (!d)
+                    return;
+                auto box = [&](const char *name) { return d->findChild<QSpinBox *>(name); };
+                auto values = [&] {
+                    for (const char *name : {"udbWidth", "udbHeight", "udbPercent", "udbQual"})
+                        seen << box(name)->value();
+                };
+                values();
+                qualityShown =
+                    box("udbQual")->isEnabled() && d->findChild<QLabel *>("lblQuality")->isEnabled();
+                box("udbPercent")->setValue(150);
+                values();
+                box("udbWidth")->setValue(300);
+                values();
+                d->findChild<QPushButton *>(button)->click();
+            });
+        const bool saved = button == "cmdSave";
+        QCOMPARE(LayoutSaveImage(*m_session, nullptr), saved);
         QCOMPARE(m_dialogs->saveRequests.size(), 1);
         const FileDialogRequest &r = m_dialogs->saveRequests[0];
         QCOMPARE(r.fileName, QString("AU1_track.png"));
         QCOMPARE(r.initialDir, m_fx.app.file("layouts"));
         QVERIFY(r.filter.startsWith("PNG file (*.png)|*.png|JPG file"));
         QCOMPARE(r.filterIndex, 1);
+        if (!button.isEmpty())
+            QCOMPARE(seen, (QList<int>{1000 / 2, 800 / 2, 50, 80, 1500, 1200, 150, 80, 300, 240, 30, 80}));
+        QCOMPARE(qualityShown, quality);
         const QStringList written = QDir(m_fx.app.file("pictures")).entryList(QDir::Files);
-        if (!size.isValid()) {
-            QCOMPARE(written, QStringList());
+        QCOMPARE(written, saved ? QStringList{QFileInfo(path).fileName()} : QStringList());
+        if (!saved)
             return;
-        }
-        QCOMPARE(QImage(path).size(), size);
-        QCOMPARE(written, QStringList{QFileInfo(path).fileName()});
+        QCOMPARE(QImage(path).size(), QSize(300, 240));
         // The folder is remembered as for layouts; the image options are left as they were.
         QCOMPARE(options().SaveFolder, RememberedSaveFolder(path));
         QCOMPARE(options().SavePercent, 50);
