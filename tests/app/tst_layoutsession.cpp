@@ -1,15 +1,10 @@
 #include "support/DocumentFixture.h"
 
 #include "base/ErrorLog.h"
-#include "core/SafeWrite.h"
 
-#include <QGuiApplication>
-#include <QProcess>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QtTest>
-#include <optional>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -17,43 +12,10 @@ namespace {
 const QString kOverflow = u"6: Overflow in frmLayout.LayoutOpen"_s;
 const QString kPastEnd = u"62: Input past end of file in frmLayout.LayoutOpen"_s;
 
-// Breaks a save at one stage: a disk-full error here, or the process dies in the child.
-int g_stage = -1;
-bool g_die = false;
-void stageHook(SafeWriteStage stage, const QString &)
-{
-    if (int(stage) == g_stage && g_die)
-        _exit(42);
-    if (int(stage) == g_stage)
-        rt::raise(rt::DiskFull);
-}
-
-// The child side of the kill test, run as "crash <stage> <app folder> <background> <file>":
-// add a cone to the layout and die while saving it.
-int crashChild(char **argv)
-{
-    SetAppPath(QString::fromLocal8Bit(argv[3]));
-    options().AU1 = QString::fromLocal8Bit(argv[4]);
-    LayoutSession session;
-    session.setFileName(QString::fromLocal8Bit(argv[5]));
-    if (!session.LayoutLoadBG() || !session.LayoutOpen())
-        return 3;
-    addObject(session.document(), 14, 300, 300, 45);
-    g_stage = atoi(argv[2]);
-    g_die = true;
-    setSafeWriteHook(stageHook);
-    session.LayoutSave(false);
-    return 0;
-}
 } // namespace
 
-class TestLayoutFile : public DocumentTest {
+class TestLayoutSession : public DocumentTest {
     Q_OBJECT
-    void prepare() override
-    {
-        setSafeWriteHook(nullptr);
-    }
-
 private slots:
 
     // Bytes opened as a 1000 x 800 layout: the objects that came in, and the one refusal
@@ -326,49 +288,6 @@ private slots:
         QCOMPARE(named.count(), 0);
     }
 
-    // A save that fails, or whose process is killed, at each stage of writing.
-    void interruptedSave_data()
-    {
-        QTest::addColumn<bool>("kill");
-        QTest::addColumn<int>("stage");
-        QTest::newRow("fails when opened") << false << int(SafeWriteStage::Opened);
-        QTest::newRow("fails when written") << false << int(SafeWriteStage::Written);
-        QTest::newRow("killed half written") << true << int(SafeWriteStage::HalfWritten);
-        QTest::newRow("killed when written") << true << int(SafeWriteStage::Written);
-        QTest::newRow("killed after replacing") << true << int(SafeWriteStage::Replaced);
-    }
-    void interruptedSave()
-    {
-        QFETCH(bool, kill);
-        QFETCH(int, stage);
-        const QString path = m_fx.layoutPath(u"AU1_kill.lyt"_s);
-        const QByteArray old = lytHeader(251, 1, 4) + lytRecord(0, -13224, 255, 0, 29, 128) + "tail";
-        WriteFile(path, old);
-        if (kill) {
-            const QStringList args{u"crash"_s, QString::number(stage), AppPath(), options().AU1, path};
-            QCOMPARE(QProcess::execute(QCoreApplication::applicationFilePath(), args), 42);
-        } else {
-            auto session = m_fx.session(u"AU1_kill.lyt"_s);
-            auto *doc = &session->document();
-            QVERIFY(session->LayoutOpen());
-            addRecorded(*session, 14, 300, 300, 45);
-            g_stage = stage;
-            setSafeWriteHook(stageHook);
-            QVERIFY(!session->LayoutSave(false));
-            QCOMPARE(LoggedErrors(), QStringList{u"61: Disk full in frmLayout.LayoutSave"_s});
-            QVERIFY(session->Edited());
-            QCOMPARE(QDir(m_fx.layoutPath({})).entryList({u"AU1_kill.lyt*"_s}, QDir::Files).size(), 1);
-        }
-        const bool replaced = stage == int(SafeWriteStage::Replaced);
-        if (!replaced)
-            QCOMPARE(ReadAll(path), old);
-        auto session = m_fx.session(u"AU1_kill.lyt"_s);
-        auto *doc = &session->document();
-        QVERIFY(session->LayoutOpen());
-        QCOMPARE(objectsText(*doc),
-                 u"14@724,400 a0 w0"_s + (replaced ? u"; 14@300,300 a45 w0"_s : QString()));
-    }
-
     // Random layouts of every type saved and opened again come back the same. AU3 and AU4
     // are read back displaced below the picture (a lower object overflows, as open()
     // shows), so every object saved in their upper half is refused. Angles are whole
@@ -422,34 +341,7 @@ private slots:
             QCOMPARE(objectsText(*back), displaced ? QString() : objectsText(*doc));
         }
     }
-
-    void garbageNeverCrashes()
-    {
-        QRandomGenerator rng(99);
-        for (int i = 0; i < 40; ++i) {
-            QByteArray bytes(int(rng.bounded(400)), Qt::Uninitialized);
-            for (char &c : bytes)
-                c = char(rng.bounded(256));
-            if (bytes.size() >= 10 && rng.bounded(2))
-                bytes[9] = char(rng.bounded(4)); // plausible counts too
-            const QString name = i % 2 ? u"BL3_g.lyt"_s : u"AU1_g.lyt"_s;
-            WriteFile(m_fx.layoutPath(name), bytes);
-            auto session = m_fx.session(name);
-            auto *doc = &session->document();
-            session->LayoutOpen();
-            QVERIFY(doc->Objects().Count() <= qMax(0, (int(bytes.size()) - 12) / 8));
-        }
-    }
 };
 
-int main(int argc, char **argv)
-{
-    QGuiApplication app(argc, argv);
-    if (argc == 6 && qstrcmp(argv[1], "crash") == 0)
-        return crashChild(argv);
-    TestLayoutFile test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
-
-#include "tst_layoutfile.moc"
+QTEST_MAIN(TestLayoutSession)
+#include "tst_layoutsession.moc"
