@@ -13,7 +13,7 @@
 #include "imaging/ColorMatrix.h"
 #include "imaging/PictureEncoders.h"
 #include "imaging/cBitmap.h"
-#include "view/LayoutImageExport.h"
+#include "app/ImageExportReport.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

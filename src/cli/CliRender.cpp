@@ -9,7 +9,7 @@
 #include "cli/CliLayout.h"
 #include "core/LayoutDocument.h"
 #include "base/Runtime.h"
-#include "view/LayoutImageExport.h"
+#include "app/ImageExportReport.h"
 #include "view/SaveImageRules.h"
 
 #include <QFileInfo>

@@ -57,17 +57,6 @@ using ExportProgress = std::function<bool(double fraction)>;
 ImageExportResult RenderLayoutImage(const ExportScene &scene, const QString &fileName, int width, int height,
                                     int quality, const ExportProgress &progress = {});
 
-// Tells the user what went wrong, as the editor does: the unknown-format box, a
-// message for a picture too large for the memory, or the logged "Sorry :(" box
-// (" in frmLayout.LayoutSaveImageFile", or " in cGDIP.SaveBitmapToFile" for the writing).
-// Nothing for Written and Cancelled. Window thread only.
-void ReportImageExport(const ImageExportResult &result, int width, int height);
-
-// The document's LayoutSaveImageFile: RenderLayoutImage then ReportImageExport, on the
-// calling thread. True when the file was written.
-bool LayoutSaveImageFile(const LayoutDocument &doc, const cBitmap &background, const QString &fileName, int width, int height, int quality,
-                         const ExportProgress &progress = {});
-
 // Only the drawing: fills picture (ARGB32 premultiplied, already of the wanted size)
 // with the stretched background and the objects. bandDone, when given, hears the
 // number of rows that are final after each band and may return false to stop. Throws

@@ -5,7 +5,7 @@
 
 #include "support/DocumentFixture.h"
 #include "imaging/cGraphics.h"
-#include "view/LayoutImageExport.h"
+#include "app/ImageExportReport.h"
 #include "view/SaveImageRules.h"
 
 #include <QDir>

@@ -4,7 +4,7 @@
 #include "base/Settings.h"
 #include "base/Dialogs.h"
 #include "app/LayoutSession.h"
-#include "view/LayoutImageExport.h"
+#include "app/ImageExportReport.h"
 #include "view/SaveImageRules.h"
 #include "view/ui/frmSave.h"
 
