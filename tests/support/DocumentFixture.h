@@ -65,13 +65,6 @@ struct DocumentFixture {
         }
         return doc;
     }
-    // The fixture's background picture.
-    cBitmap background() const
-    {
-        cBitmap b;
-        b.LoadFromFile(app.file(QStringLiteral("bg.png")));
-        return b;
-    }
 };
 
 // Convenience around the by-reference ObjectAdd.
