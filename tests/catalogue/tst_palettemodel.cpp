@@ -3,7 +3,6 @@
 
 #include "base/ErrorLog.h"
 #include "base/Language.h"
-#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "catalogue/PackList.h"
 #include "catalogue/PalettePainter.h"
@@ -169,11 +168,11 @@ private slots:
         activate(type);
         PackList list;
         QVERIFY(list.Refresh());
-        QCOMPARE(list.Count(), int(listed.size()));
-        for (int i = 0; i < listed.size(); ++i) {
-            QCOMPARE(list.Entry(i + 1).FileName, listed[i]);
-            QCOMPARE(list.Entry(i + 1).Caption, captions[i]);
-        }
+        QStringList names, shown;
+        for (int i = 1; i <= list.Count(); ++i)
+            names << list.Entry(i).FileName, shown << list.Entry(i).Caption;
+        QCOMPARE(names, listed);
+        QCOMPARE(shown, captions);
         QVERIFY(LoggedErrors().isEmpty());
     }
 
@@ -228,10 +227,7 @@ private slots:
         QFETCH(QSize, box);
         QFETCH(QList<QPoint>, objects);
         QFETCH(QList<QPoint>, dots);
-        PackData data;
-        data.width = int16_t(box.width());
-        data.height = int16_t(box.height());
-        data.count = int16_t(objects.size());
+        PackData data{int16_t(box.width()), int16_t(box.height()), int16_t(objects.size()), {}};
         for (const QPoint &p : objects)
             data.records.append(PackRecord{14, int16_t(p.x()), int16_t(p.y()), 0, 0});
         const QImage img = PackPreview(data).Handle().convertToFormat(QImage::Format_ARGB32);
@@ -286,12 +282,9 @@ private slots:
         const int startCaption = captionBrightness(selectedStart, row0);
         QVERIFY2(startCaption > 120 && startCaption <= 169, qPrintable(QString::number(startCaption)));
         QVERIFY(captionBrightness(selectedStart, row1) >= 240);
-    }
 
-    // Painting and hit-testing count rows alike: scrolled by half a row, row 1 starts at
-    // 4 + 52 - 26.
-    void paintingScrolled()
-    {
+        // Painting and hit-testing count rows alike: scrolled by half a row, row 1 starts
+        // at 4 + 52 - 26.
         const QImage img = paint({0, 1, 26});
         QVERIFY(near(img.pixelColor(Palette::CellLeft, 30), Palette::SelectedLight, 8));
         QCOMPARE(img.pixelColor(Palette::CellLeft, 30 - 1), Palette::CanvasColour);
