@@ -152,10 +152,6 @@ private slots:
         QCOMPARE(QFileInfo::exists(user + u"/objects/cone.png"_s), perUser);
         QCOMPARE(QDir(user + u"/packs"_s).exists(), perUser);
         QCOMPARE(ReadAll(user + u"/layouts/AU1_x.lyt"_s), "mine"_ba);
-        // The defaults follow the folder.
-        SetAppPath(folder);
-        GetOptions();
-        QCOMPARE(options().AU34, AppPath() + u"backgrounds"_s + QDir::separator() + u"AU34.png"_s);
         // Filled once per version: a shipped file the user deleted stays deleted.
         QFile::remove(user + u"/objects/cone.png"_s);
         ApplicationFolder(r + exe, bin, r + u"share"_s);

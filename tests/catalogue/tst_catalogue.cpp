@@ -66,32 +66,19 @@ private slots:
             QCOMPARE(int(FileIndexForKind(k, false)), 255);
     }
 
-    void hiddenKindsPerSite_data()
-    {
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QList<int>>("hidden");
-        QTest::newRow("AU1") << "AU1" << QList<int>{29, 30, 35, 36, 38, 39, 54};
-        QTest::newRow("BL3") << "BL3" << QList<int>{33, 34, 37, 40, 41, 42, 43, 44, 48};
-    }
-    void hiddenKindsPerSite()
-    {
-        QFETCH(QString, type);
-        QFETCH(QList<int>, hidden);
-        UpdateAllowedAvailable(type, false, false, false, false, false);
-        QList<int> got;
-        for (int k = Kind::FirstOrdinary; k <= Kind::LastOrdinary; ++k)
-            if (!ObjectKinds()[k].Allowed)
-                got << k;
-        QCOMPARE(got, hidden);
-    }
-
-    void availableFollowsUniqueFlags()
+    // At an AU site these ordinary kinds are hidden (the BL site's show in the palette's
+    // rows), and the unique kinds already placed are unavailable.
+    void allowedAndAvailable()
     {
         UpdateAllowedAvailable(u"AU1"_s, true, false, true, false, true); // start, checkpoints 1-3, finish
-        QList<int> got; // kinds start, finish, checkpoint 1, 2, 3
-        for (int k = 0; k <= 4; ++k)
-            got << ObjectKinds()[k].Available;
-        QCOMPARE(got, (QList<int>{0, 0, -1, 0, -1}));
+        QList<int> hidden, available;
+        for (int k = Kind::FirstOrdinary; k <= Kind::LastOrdinary; ++k)
+            if (!ObjectKinds()[k].Allowed)
+                hidden << k;
+        for (int k = 0; k <= 4; ++k) // start, finish, checkpoint 1, 2, 3
+            available << ObjectKinds()[k].Available;
+        QCOMPARE(hidden, (QList<int>{29, 30, 35, 36, 38, 39, 54}));
+        QCOMPARE(available, (QList<int>{0, 0, -1, 0, -1}));
     }
 
     void paletteFit_data()
@@ -131,19 +118,17 @@ private slots:
         AddItem(15, 2, u"x"_s, 34, 23, u"pic"_s, 255, 70, 41, true);
         const QImage img = ObjectKinds()[15].Image.Handle().convertToFormat(QImage::Format_ARGB32);
         QCOMPARE(QColor(img.pixel(5, 5)), QColor(255, 70, 41));
-        QCOMPARE(qAlpha(img.pixel(19, 5)), 0); // mirrored: the clear column is now on the right
-        QCOMPARE(qAlpha(img.pixel(0, 5)), 255);
+        // Mirrored: the clear column is now on the right.
+        QVERIFY(qAlpha(img.pixel(19, 5)) == 0 && qAlpha(img.pixel(0, 5)) == 255);
     }
 
     void missingPictureFallsBack()
     {
         TempAppFolder app(false);
         AddItem(60, -1, u"index error!?"_s, 193, 193, u"b0rk!"_s, 255, 255, 255, false);
-        QVERIFY(ObjectKinds()[60].HasImage);
-        QVERIFY(ObjectKinds()[60].Image.Width() > 0);
+        QVERIFY(ObjectKinds()[60].HasImage && ObjectKinds()[60].Image.Width() > 0);
         AddItem(55, 5, u"r"_s, 255, 255, QString(), 255, 255, 255, false);
-        QVERIFY(!ObjectKinds()[55].HasImage);
-        QVERIFY(ObjectKinds()[55].Image.isNull());
+        QVERIFY(!ObjectKinds()[55].HasImage && ObjectKinds()[55].Image.isNull());
     }
 
     void fillRegistersEveryKind()

@@ -49,7 +49,6 @@ private slots:
         QTest::newRow("highlight clamps") << "highlight" << qRgba(200, 250, 255, 255) << qRgba(255, 255, 255, 255);
         QTest::newRow("highlight keeps alpha 0") << "highlight" << qRgba(0, 0, 0, 0) << qRgba(140, 140, 140, 0);
         QTest::newRow("ghost") << "ghost" << qRgba(10, 20, 30, 255) << qRgba(10, 20, 30, 140);
-        QTest::newRow("tint on white") << "tint" << qRgba(255, 255, 255, 255) << qRgba(255, 70, 41, 255);
         QTest::newRow("tint on grey") << "tint" << qRgba(128, 128, 128, 200) << qRgba(128, 35, 21, 200);
     }
     // One pixel through the formula, then whole pictures in every input form, which go

@@ -187,19 +187,6 @@ private slots:
         QCOMPARE(int(l->ObjectCount()), objects);
     }
 
-    // A recent file that cannot be opened leaves the list; the spare empty item does nothing.
-    void recentItems()
-    {
-        frmMDI mdi;
-        const QString good = m_app->file(QStringLiteral("layouts/AU1_good.lyt"));
-        mdi.RecentAdd(good);
-        mdi.RecentAdd(WriteFile(m_app->file(QStringLiteral("layouts/AU1_broken.lyt")), "LFS"));
-        mdi.OpenRecent(0);
-        QCOMPARE(mdi.recentFiles().items(), (QStringList{good, QString()}));
-        mdi.OpenRecent(1);
-        QCOMPARE(mdi.LayoutCount(), 0);
-    }
-
     void changeMode()
     {
         frmMDI mdi;
@@ -220,16 +207,21 @@ private slots:
         QCOMPARE(l->document().Objects().At(0).ID(), uint8_t(31));
     }
 
-    // Cancel keeps every layout and writes nothing; closing for good writes the options
-    // and the recent files.
-    void closeAsksAndWritesConfiguration()
+    // A recent file that cannot be opened leaves the list, and the spare empty item opens
+    // nothing. Cancel keeps every layout and writes nothing; closing for good writes the
+    // options and the recent files.
+    void recentFilesAndClose()
     {
         frmMDI mdi;
         QVERIFY(shownWithLayout(mdi));
         mdi.NewLayout(1);
         mdi.CurrentLayout()->ObjectAdd(20, 100, 100);
         mdi.RecentAdd(QStringLiteral("/x/AU1_old.lyt"));
+        mdi.RecentAdd(WriteFile(m_app->file(QStringLiteral("layouts/AU1_broken.lyt")), "LFS"));
+        mdi.OpenRecent(0);
         mdi.RecentAdd(QStringLiteral("/x/BL3_new.lyt"));
+        mdi.OpenRecent(2);
+        QCOMPARE(mdi.recentFiles().items(), (QStringList{"/x/BL3_new.lyt", "/x/AU1_old.lyt", QString()}));
         m_dialogs->answers << MsgResult::Cancel;
         QVERIFY(!mdi.close());
         QCOMPARE(mdi.LayoutCount(), 2);
