@@ -170,7 +170,6 @@ private slots:
     void registry()
     {
         TempAppFolder app(false);
-        QVERIFY(app.path().endsWith(u'\\'));
         const QString command = u".lyt\\shell\\open\\command"_s;
         const QString exe = app.path() + QFileInfo(QCoreApplication::applicationFilePath()).fileName();
         const auto a = NativeFileAssociation();

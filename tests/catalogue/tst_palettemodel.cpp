@@ -146,33 +146,26 @@ private slots:
         QCOMPARE(int(PaletteHitItem(panel, y, scroll, packs)), item);
     }
 
-    void packListing_data()
-    {
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QStringList>("listed");
-        QTest::addColumn<QStringList>("captions");
-        QTest::newRow("AU site, any case, by name")
-            << "AU1" << QStringList{u"AU_.pack"_s, u"AU_a.pack"_s, u"AU_b.pack"_s, u"au_lower.PACK"_s}
-            << QStringList{QString(), u"a"_s, u"b"_s, u"lower"_s};
-        QTest::newRow("BL site") << "BL3" << QStringList{u"BL_ramps.pack"_s} << QStringList{u"ramps"_s};
-    }
+    // A site lists its own packs, in any letter case, by name; the caption is the name
+    // without the site's prefix and ".pack".
     void packListing()
     {
-        QFETCH(QString, type);
-        QFETCH(QStringList, listed);
-        QFETCH(QStringList, captions);
         TempAppFolder app(false);
         for (const QString &f : {u"AU_b.pack"_s, u"AU_a.pack"_s, u"au_lower.PACK"_s, u"BL_ramps.pack"_s,
                                  u"AU_notes.txt"_s, u"XAU_x.pack"_s, u"AU_.pack"_s})
             WriteFile(app.file(u"packs/"_s + f), pack(10, 10, {{0, 0}, {10, 10}}));
-        activate(type);
-        PackList list;
-        QVERIFY(list.Refresh());
-        QStringList names, shown;
-        for (int i = 1; i <= list.Count(); ++i)
-            names << list.Entry(i).FileName, shown << list.Entry(i).Caption;
-        QCOMPARE(names, listed);
-        QCOMPARE(shown, captions);
+        auto listed = [](const QString &type) {
+            activate(type);
+            PackList list;
+            QStringList out;
+            if (!list.Refresh())
+                out << u"refresh failed"_s;
+            for (int i = 1; i <= list.Count(); ++i)
+                out << list.Entry(i).FileName + u'=' + list.Entry(i).Caption;
+            return out;
+        };
+        QCOMPARE(listed(u"AU1"_s), (QStringList{"AU_.pack=", "AU_a.pack=a", "AU_b.pack=b", "au_lower.PACK=lower"}));
+        QCOMPARE(listed(u"BL3"_s), QStringList{"BL_ramps.pack=ramps"});
         QVERIFY(LoggedErrors().isEmpty());
     }
 
@@ -197,7 +190,6 @@ private slots:
         WriteFile(app.file(u"packs/AU_3after.pack"_s), pack(10, 10, {{0, 0}}));
         PackList list;
         QVERIFY(!list.Refresh());
-        QCOMPARE(list.Count(), 3);
         QCOMPARE((QStringList{list.Entry(1).Caption, list.Entry(2).Caption, list.Entry(3).FileName}),
                  (QStringList{u"1good"_s, QString(), u"AU_3after.pack"_s}));
         QCOMPARE(LoggedErrors(), QStringList{error + u" in Objectbar.RefreshPacks"_s});
