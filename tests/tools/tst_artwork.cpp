@@ -131,23 +131,17 @@ private slots:
         }
     }
 
-    void backgrounds_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QSize>("size");
-        QTest::newRow("AU1") << "AU1" << QSize(1630, 2940);
-        QTest::newRow("AU2") << "AU2" << QSize(1050, 1050);
-        QTest::newRow("AU34") << "AU34" << QSize(580, 6260);
-        QTest::newRow("BL3") << "BL3" << QSize(1220, 1970);
-    }
+    // The sizes the coordinate maps are drawn for; backgrounds are opaque.
     void backgrounds()
     {
-        QFETCH(QString, name);
-        QFETCH(QSize, size);
-        const QImage image = committed("backgrounds/" + name + ".png");
-        QCOMPARE(image.size(), size);
-        QVERIFY2(image.convertToFormat(QImage::Format_RGB32).convertToFormat(QImage::Format_ARGB32) == image,
-                 "backgrounds are opaque");
+        const QList<std::pair<QString, QSize>> sizes{
+            {"AU1", {1630, 2940}}, {"AU2", {1050, 1050}}, {"AU34", {580, 6260}}, {"BL3", {1220, 1970}}};
+        for (const auto &[name, size] : sizes) {
+            const QImage image = committed("backgrounds/" + name + ".png");
+            QCOMPARE(image.size(), size);
+            QVERIFY2(image.convertToFormat(QImage::Format_RGB32).convertToFormat(QImage::Format_ARGB32) == image,
+                     qPrintable(name));
+        }
     }
 
     // Every file the resource list names exists, at the size the program shows it.

@@ -74,7 +74,9 @@ private slots:
         options() = m_previous;
     }
 
-    void newMenuKeepsTheCodes()
+    // The new-layout menu keeps the site codes in any language; the menu bar and the
+    // status panels.
+    void menusAndStatus()
     {
         WriteFile(m_app->file(QStringLiteral("lang/Other.lng")),
                   "025 Rennstrecke\r\n029 Parkplatz\r\n030 Neu\r\n");
@@ -101,18 +103,15 @@ private slots:
                         "To Selection..=, Object Zoom +=, Object Zoom -=,&Tools: Select=, Zoom tool=Ctrl+Z, "
                         "Measure distance=Ctrl+M, Object line=Ctrl+L, Options=,&Help: Help/About=,");
         // A new layout's file name comes from the fixed code and entry 104.
+        mdi.show();
+        QVERIFY(QTest::qWaitForWindowActive(&mdi));
         mdi.NewLayout(4);
-        QCOMPARE(mdi.CurrentLayout()->LayoutName(), QStringLiteral("BL3_untitled.lyt"));
         mdi.NewLayout(5); // no such item
         QCOMPARE(mdi.LayoutCount(), 1);
-    }
+        frmLayout *l = mdi.CurrentLayout();
+        QCOMPARE(l->LayoutName(), QStringLiteral("BL3_untitled.lyt"));
 
-    void statusPanels()
-    {
-        frmMDI mdi;
-        frmLayout *l = shownWithLayout(mdi);
-        QVERIFY(l);
-        // "###%": halves round away from zero.
+        // The status panels. "###%": halves round away from zero.
         l->setZoom(0.125f);
         QCOMPARE(mdi.panelText(4), QStringLiteral(" Zoom: 13%"));
         // Object zoom halves and doubles within limits it can always come back from.

@@ -146,47 +146,35 @@ private slots:
         QVERIFY(saved.isEmpty() && options().SavePercent == 100 && !QFile::exists(ConfigPath()));
     }
 
-    void browseForBackground_data()
-    {
-        QTest::addColumn<QString>("answer");
-        QTest::addColumn<QString>("shown"); // empty: the first entry
-        QTest::newRow("chosen") << "/elsewhere/my AU1.png" << "/elsewhere/my AU1.png";
-        QTest::newRow("cancelled") << "" << "";
-    }
-    void browseForBackground()
-    {
-        QFETCH(QString, answer);
-        QFETCH(QString, shown);
-        auto d = dialog();
-        auto *au1 = child<QComboBox>(*d, "cboBG0");
-        if (!answer.isEmpty())
-            m_dialogs->openAnswers << answer;
-        au1->setCurrentIndex(au1->count() - 1);
-        emit au1->activated(au1->count() - 1);
-        QCOMPARE(m_dialogs->openRequests.size(), 1);
-        QCOMPARE(m_dialogs->openRequests[0].initialDir, AppPath());
-        QCOMPARE(au1->currentText(), shown.isEmpty() ? au1->itemText(0) : shown);
-        // Choosing an ordinary entry asks nothing.
-        emit au1->activated(0);
-        QCOMPARE(m_dialogs->openRequests.size(), 1);
-    }
-
-    void folderOptions()
+    // "Browse for more..." asks for a picture in the application folder and shows it, or
+    // the first entry when cancelled; an ordinary entry asks nothing. The folder buttons
+    // follow their options, and a cancelled folder choice keeps the folder.
+    void choosers()
     {
         options().RememberSaveFolder = false;
         auto d = dialog();
+        auto *au1 = child<QComboBox>(*d, "cboBG0");
+        m_dialogs->openAnswers << "/elsewhere/my AU1.png";
+        for (const QString shown : {"/elsewhere/my AU1.png", ""}) {
+            au1->setCurrentIndex(au1->count() - 1);
+            emit au1->activated(au1->count() - 1);
+            QCOMPARE(au1->currentText(), shown.isEmpty() ? au1->itemText(0) : shown);
+        }
+        emit au1->activated(0);
+        QCOMPARE(m_dialogs->openRequests.size(), 2);
+        QCOMPARE(m_dialogs->openRequests[1].initialDir, AppPath());
+
         auto *browseOpen = child<QPushButton>(*d, "cmdBrowse0");
         auto *browseSave = child<QPushButton>(*d, "cmdBrowse1");
         QVERIFY(!browseOpen->isEnabled() && browseSave->isEnabled());
         child<QRadioButton>(*d, "optOpenFolder1")->setChecked(true);
         child<QRadioButton>(*d, "optSaveFolder0")->setChecked(true);
         QVERIFY(browseOpen->isEnabled() && !browseSave->isEnabled());
-
         m_dialogs->folderAnswers << "/chosen/folder";
         browseOpen->click();
-        QCOMPARE(child<QLineEdit>(*d, "txtOpenFolder")->text(), QString("/chosen/folder"));
         browseOpen->click(); // cancelled: the folder stays
         QCOMPARE(child<QLineEdit>(*d, "txtOpenFolder")->text(), QString("/chosen/folder"));
+        QCOMPARE(m_dialogs->folderRequests.size(), 2);
     }
 
     // Each state gives its caption and action; pressing acts and shows the new state.
