@@ -31,7 +31,6 @@ private slots:
         QTest::addColumn<bool>("au");
         QTest::addColumn<int>("kind");
         QTest::newRow("BL 33 is cone red ptr, the first match") << 33 << false << 17;
-        QTest::newRow("AU 61 is cone blue2") << 61 << true << 19;
         QTest::newRow("AU 52 is chalk left") << 52 << true << 7;
         QTest::newRow("AU 51 is chalk right") << 51 << true << 8;
         QTest::newRow("BL 49 is chalk left") << 49 << false << 7;
