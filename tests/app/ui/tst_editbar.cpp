@@ -26,36 +26,26 @@ using Placed = QList<QList<int>>;
 
 class TestEditbar : public QObject {
     Q_OBJECT
-    std::optional<DocumentFixture> m_fx;
-    std::optional<ScriptedDialogs> m_dialogs;
-    std::unique_ptr<LayoutDocument> m_doc;
+    ScriptedDialogs m_dialogs;
+    DocumentFixture m_fx;
+    std::unique_ptr<LayoutDocument> m_doc; // goes before the fixture's folder
+    QWidget m_window;                      // the bars' parent: clicks need a visible button
 
-    // Fills a shown bar (clicks need a visible button) from a document of objects.
+    // Fills a shown bar from a document of objects.
     Editbar &filled(Editbar &bar, const Placed &objects)
     {
-        m_doc = m_fx->document(u"AU1_edit.lyt"_s);
+        m_doc = m_fx.document(u"AU1_edit.lyt"_s);
         int x = 100;
         for (const QList<int> &p : objects)
             addObject(*m_doc, p[0], x += 40, 200, p[1], p[2], p[3]);
         m_doc->SelectionUpdate();
+        m_window.show();
         bar.show();
         bar.Fill(*m_doc);
         return bar;
     }
 
 private slots:
-    void initTestCase()
-    {
-        m_dialogs.emplace();
-        m_fx.emplace();
-    }
-    void cleanupTestCase()
-    {
-        m_doc.reset();
-        m_fx.reset();
-        m_dialogs.reset();
-    }
-
     // enabled: change, pack, angle, rotate, flip, width; the labels and the other turn
     // and flip buttons follow their box or first button.
     void states_data()
@@ -83,7 +73,7 @@ private slots:
         QFETCH(QList<bool>, enabled);
         QFETCH(int, angle);
         QFETCH(int, width);
-        Editbar bar;
+        Editbar bar(&m_window);
         {
             // Values left from an earlier selection.
             const QSignalBlocker a(bar.udbAngle()), w(bar.udbWidth());
@@ -125,7 +115,7 @@ private slots:
         QFETCH(int, index);
         QFETCH(Qt::MouseButton, button);
         QFETCH(int, result);
-        Editbar bar;
+        Editbar bar(&m_window);
         filled(bar, {{14, start, 0, 1}});
         Spies spies(bar);
         RotateButton *b = bar.cmdRotate(index);
@@ -141,9 +131,9 @@ private slots:
 
     void buttonsAndBoxes()
     {
-        Editbar bar;
+        Editbar bar(&m_window);
         filled(bar, {{14, 0, 0, 1}, {15, 0, 0, 1}});
-        QVERIFY(QTest::qWaitForWindowExposed(&bar));
+        QVERIFY(QTest::qWaitForWindowExposed(&m_window));
         Spies spies(bar);
         QTest::mouseClick(bar.cmdFlip(1), Qt::LeftButton);
         QTest::mouseClick(bar.cmdChange(), Qt::LeftButton);
