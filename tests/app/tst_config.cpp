@@ -78,7 +78,8 @@ private slots:
         QStringList recent;
         GetOptions([&](const QString &p) { recent.prepend(p); });
         QCOMPARE((QStringList{o.Language, o.AU1, o.AU2, o.AU34, o.BL3, o.OpenFolder, o.SaveFolder, o.SaveType}),
-                 (QStringList{u"L"_s, u"/maps/au1 big.png"_s, u"a2"_s, u"a34"_s, cyrillic, u"of"_s, u"sf"_s, u"png"_s}));
+                 (QStringList{u"L"_s, u"/maps/au1 big.png"_s, u"a2"_s, u"a34"_s, cyrillic, u"of"_s, u"sf"_s,
+                              u"png"_s}));
         QCOMPARE((QList<int>{o.RememberOpenFolder, o.RememberSaveFolder, o.SavePercent, o.SaveQuality}),
                  (QList<int>{false, true, 250, -3}));
         // RecentFile10 is handed over first and RecentFile1 last.

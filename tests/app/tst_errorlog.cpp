@@ -16,7 +16,8 @@ private slots:
         ClearLoggedErrors();
         QVERIFY(!guarded(u"frmLayout.LayoutOpen"_s, [] { rt::toInt16(40000.0); }));
         const QByteArray log = ReadAll(app.file(u"Varno.log"_s));
-        QVERIFY2(log.startsWith('[') && log.endsWith("] 6: Overflow in frmLayout.LayoutOpen\r\n") && log.count('\n') == 1,
+        QVERIFY2(log.startsWith('[') && log.endsWith("] 6: Overflow in frmLayout.LayoutOpen\r\n")
+                     && log.count('\n') == 1,
                  log.constData());
         QCOMPARE(LoggedErrors(), QStringList{u"6: Overflow in frmLayout.LayoutOpen"_s});
         QCOMPARE(dlg.messages.size(), 1);

@@ -21,7 +21,7 @@ class TestFileAssociation : public QObject {
 
     std::unique_ptr<QTemporaryDir> m_root;
     QString at(const QString &relative) const { return m_root->path() + "/" + relative; }
-    static XdgFileAssociation make(const QString &exe = "/opt/my games/Varno") { return XdgFileAssociation(exe, false); }
+    static XdgFileAssociation make(QString exe = "/opt/my games/Varno") { return XdgFileAssociation(exe, false); }
     void writeDesktop(const QString &folder, const QString &id, const QString &name, const QString &exec)
     {
         WriteFile(at(folder + "/applications/" + id),

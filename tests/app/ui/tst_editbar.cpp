@@ -138,7 +138,8 @@ private slots:
         QTest::mouseClick(bar.cmdFlip(1), Qt::LeftButton);
         QTest::mouseClick(bar.cmdChange(), Qt::LeftButton);
         QTest::mouseClick(bar.cmdPack(), Qt::LeftButton);
-        QCOMPARE((QList<qsizetype>{spies.flip.size(), spies.change.size(), spies.pack.size()}), (QList<qsizetype>{1, 1, 1}));
+        QCOMPARE((QList<qsizetype>{spies.flip.size(), spies.change.size(), spies.pack.size()}),
+                 (QList<qsizetype>{1, 1, 1}));
         QCOMPARE(spies.flip.first().first().value<int16_t>(), int16_t(1));
 
         filled(bar, {{2, 0, 8, 1}});
