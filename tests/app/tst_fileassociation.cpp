@@ -3,19 +3,15 @@
 // touched. On Windows, the registry association against the system's own registry
 // (under Wine, Wine's).
 
-#include "base/Language.h"
 #include "app/XdgFileAssociation.h"
+#include "base/Language.h"
 #include "support/TestSupport.h"
 
-#include <QDir>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #ifdef Q_OS_WIN
 #include "app/Registry.h"
 #include "base/Settings.h"
-
-#include <QFileInfo>
 #endif
 
 using namespace Qt::StringLiterals;
@@ -24,20 +20,11 @@ class TestFileAssociation : public QObject {
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> m_root;
-    QString dataHome() const { return m_root->path() + "/data"; }
-    QString configHome() const { return m_root->path() + "/config"; }
-    QString systemData() const { return m_root->path() + "/sysdata"; }
-    QString systemConfig() const { return m_root->path() + "/sysconfig"; }
-    QString userList() const { return configHome() + "/mimeapps.list"; }
-
-    static XdgFileAssociation make(const QString &exe = "/opt/my games/Varno")
-    {
-        return XdgFileAssociation(exe, false);
-    }
-
+    QString at(const QString &relative) const { return m_root->path() + "/" + relative; }
+    static XdgFileAssociation make(QString exe = "/opt/my games/Varno") { return XdgFileAssociation(exe, false); }
     void writeDesktop(const QString &folder, const QString &id, const QString &name, const QString &exec)
     {
-        WriteFile(folder + "/applications/" + id,
+        WriteFile(at(folder + "/applications/" + id),
                   ("[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + exec + "\n").toUtf8());
     }
 
@@ -49,36 +36,23 @@ private slots:
             QSKIP("The freedesktop association belongs to Linux desktops; Windows keeps it in the registry");
 #endif
         m_root = std::make_unique<QTemporaryDir>();
-        qputenv("XDG_DATA_HOME", dataHome().toUtf8());
-        qputenv("XDG_CONFIG_HOME", configHome().toUtf8());
-        qputenv("XDG_DATA_DIRS", systemData().toUtf8());
-        qputenv("XDG_CONFIG_DIRS", systemConfig().toUtf8());
+        qputenv("XDG_DATA_HOME", at("data").toUtf8());
+        qputenv("XDG_CONFIG_HOME", at("config").toUtf8());
+        qputenv("XDG_DATA_DIRS", at("sysdata").toUtf8());
+        qputenv("XDG_CONFIG_DIRS", at("sysconfig").toUtf8());
         qunsetenv("XDG_CURRENT_DESKTOP");
         for (int slot : {108, 109})
             SetLang(slot, DefaultLanguageString(slot));
     }
 
-    // A relative XDG folder is ignored for the standard one.
-    void relativeFolderIgnored()
+    // A relative XDG folder is ignored for the standard one; the Exec line escapes what
+    // a desktop entry's quoting rules ask for.
+    void foldersAndExecLine()
     {
         qputenv("XDG_CONFIG_HOME", "relative/path");
         QCOMPARE(XdgFileAssociation::configHome(), QDir::homePath() + "/.config");
-    }
-
-    void execLine_data()
-    {
-        QTest::addColumn<QString>("exe");
-        QTest::addColumn<QString>("line");
-        QTest::newRow("plain") << "/usr/bin/Varno" << "\"/usr/bin/Varno\" %f";
-        QTest::newRow("blank") << "/opt/my games/Varno" << "\"/opt/my games/Varno\" %f";
-        QTest::newRow("quote, dollar, percent") << "/x/a\"b$c%d" << "\"/x/a\\\\\"b\\\\$c%%d\" %f";
-        QTest::newRow("backslash") << "/x/a\\b" << "\"/x/a\\\\\\\\b\" %f";
-    }
-    void execLine()
-    {
-        QFETCH(QString, exe);
-        QFETCH(QString, line);
-        QCOMPARE(make(exe).execLine(), line);
+        QCOMPARE(make("/x/a\"b$c%d").execLine(), "\"/x/a\\\\\"b\\\\$c%%d\" %f");
+        QCOMPARE(make("/x/a\\b").execLine(), "\"/x/a\\\\\\\\b\" %f");
     }
 
     // Not associated -> create -> associated -> remove -> not associated, with the
@@ -101,81 +75,70 @@ private slots:
         QFETCH(QByteArray, others);
         QFETCH(QString, created);
         if (!others.isEmpty())
-            WriteFile(userList(), others);
+            WriteFile(at("config/mimeapps.list"), others);
         XdgFileAssociation a = make();
         QCOMPARE(a.state(), AssociationState::NotAssociated);
         a.create();
         QCOMPARE(a.state(), AssociationState::Associated);
-        QCOMPARE(QString::fromUtf8(ReadAll(userList())), created);
+        QCOMPARE(QString::fromUtf8(ReadAll(at("config/mimeapps.list"))), created);
         const QString desktop = QString::fromUtf8(ReadAll(a.desktopEntryPath()));
         QVERIFY(desktop.contains("\nExec=\"/opt/my games/Varno\" %f\n"));
         QVERIFY(desktop.contains("\nMimeType=application/x-lfs-layout;\n"));
         QVERIFY(QString::fromUtf8(ReadAll(a.mimePackagePath())).contains("<glob pattern=\"*.lyt\"/>"));
         a.create(); // twice is the same as once
-        QCOMPARE(QString::fromUtf8(ReadAll(userList())), created);
+        QCOMPARE(QString::fromUtf8(ReadAll(at("config/mimeapps.list"))), created);
 
         a.remove();
         QCOMPARE(a.state(), AssociationState::NotAssociated);
         QVERIFY(!QFile::exists(a.desktopEntryPath()));
         QVERIFY(!QFile::exists(a.mimePackagePath()));
-        const QString after = QString::fromUtf8(ReadAll(userList()));
+        const QString after = QString::fromUtf8(ReadAll(at("config/mimeapps.list")));
         QVERIFY2(!after.contains("x-lfs-layout"), qPrintable(after));
         QCOMPARE(after.contains("text/plain=gedit.desktop;") && after.contains("image/png=gimp.desktop;"),
                  !others.isEmpty());
     }
 
-    // Who holds the association, and the state that gives.
+    // Who holds the association, and the state that gives. lists: the mimeapps.list files
+    // (relative to the temporary root) and the default each names; the first one holds it.
     void states_data()
     {
-        QTest::addColumn<QString>("listFile");    // relative to the temporary root
-        QTest::addColumn<QString>("defaultId");
+        QTest::addColumn<QStringList>("lists");
         QTest::addColumn<QString>("entryFolder"); // where varno.desktop lies, if anywhere
         QTest::addColumn<QString>("entryExec");
         QTest::addColumn<int>("state");
         const int none = int(AssociationState::NotAssociated), ours = int(AssociationState::Associated),
                   other = int(AssociationState::OtherProgram);
-        const QString me = "\"/opt/my games/Varno\" %f";
-        QTest::newRow("nothing") << "" << "" << "" << "" << none;
-        QTest::newRow("ours") << "config/mimeapps.list" << "varno.desktop" << "data" << me << ours;
-        QTest::newRow("another program") << "config/mimeapps.list" << "other.desktop" << "" << "" << other;
-        QTest::newRow("system default") << "sysconfig/mimeapps.list" << "other.desktop" << "" << "" << other;
-        QTest::newRow("old data location") << "data/applications/mimeapps.list" << "other.desktop" << "" << ""
-                                           << other;
-        QTest::newRow("another copy of Varno") << "config/mimeapps.list" << "varno.desktop" << "data"
+        const QString me = "\"/opt/my games/Varno\" %f", user = "config/mimeapps.list=";
+        QTest::newRow("nothing") << QStringList() << "" << "" << none;
+        QTest::newRow("ours") << QStringList{user + "varno.desktop"} << "data" << me << ours;
+        QTest::newRow("another program") << QStringList{user + "other.desktop"} << "" << "" << other;
+        QTest::newRow("system default") << QStringList{"sysconfig/mimeapps.list=other.desktop"} << "" << "" << other;
+        QTest::newRow("user's list before the system's")
+            << QStringList{user + "varno.desktop", "sysconfig/mimeapps.list=other.desktop"} << "data" << me << ours;
+        QTest::newRow("old data location") << QStringList{"data/applications/mimeapps.list=other.desktop"} << ""
+                                           << "" << other;
+        QTest::newRow("another copy of Varno") << QStringList{user + "varno.desktop"} << "data"
                                                << "\"/home/me/old/Varno\" %f" << other;
-        QTest::newRow("quoting differs") << "config/mimeapps.list" << "varno.desktop" << "data"
+        QTest::newRow("quoting differs") << QStringList{user + "varno.desktop"} << "data"
                                          << "/opt/my\\\\ games/Varno %f" << other;
-        QTest::newRow("packaged Varno") << "config/mimeapps.list" << "varno.desktop" << "sysdata" << me << other;
-        QTest::newRow("our entry is gone") << "config/mimeapps.list" << "varno.desktop" << "" << "" << none;
+        QTest::newRow("packaged Varno") << QStringList{user + "varno.desktop"} << "sysdata" << me << other;
+        QTest::newRow("our entry is gone") << QStringList{user + "varno.desktop"} << "" << "" << none;
     }
     void states()
     {
-        QFETCH(QString, listFile);
-        QFETCH(QString, defaultId);
+        QFETCH(QStringList, lists);
         QFETCH(QString, entryFolder);
         QFETCH(QString, entryExec);
         QFETCH(int, state);
-        if (!listFile.isEmpty())
-            WriteFile(m_root->path() + "/" + listFile,
-                      ("[Default Applications]\napplication/x-lfs-layout=" + defaultId + ";\n").toUtf8());
+        for (const QString &list : lists)
+            WriteFile(at(list.section('=', 0, 0)),
+                      ("[Default Applications]\napplication/x-lfs-layout=" + list.section('=', 1) + ";\n").toUtf8());
         if (!entryFolder.isEmpty())
-            writeDesktop(m_root->path() + "/" + entryFolder, "varno.desktop", "Varno", entryExec);
+            writeDesktop(entryFolder, "varno.desktop", "Varno", entryExec);
         XdgFileAssociation a = make();
         QCOMPARE(int(a.state()), state);
-        if (!listFile.isEmpty())
-            QCOMPARE(a.holder().listFile, m_root->path() + "/" + listFile);
-    }
-
-    // The user's list wins over the system's, whichever way round.
-    void userListComesFirst()
-    {
-        XdgFileAssociation a = make();
-        a.create();
-        WriteFile(systemConfig() + "/mimeapps.list", "[Default Applications]\napplication/x-lfs-layout=other.desktop;\n");
-        QCOMPARE(a.state(), AssociationState::Associated);
-        a.remove();
-        QCOMPARE(a.state(), AssociationState::OtherProgram);
-        QCOMPARE(a.holder().desktopId, QString("other.desktop"));
+        if (!lists.isEmpty())
+            QCOMPARE(a.holder().listFile, at(lists[0].section('=', 0, 0)));
     }
 
     // Another program's association is shown, with its name and where it is set, and
@@ -183,19 +146,20 @@ private slots:
     void otherProgramIsLeftAlone()
     {
         const QByteArray list = "[Default Applications]\napplication/x-lfs-layout=other.desktop;varno.desktop;\n";
-        WriteFile(userList(), list);
-        writeDesktop(systemData(), "other.desktop", "Other Editor", "other %f");
+        WriteFile(at("config/mimeapps.list"), list);
+        writeDesktop("sysdata", "other.desktop", "Other Editor", "other %f");
         XdgFileAssociation a = make();
         QCOMPARE(a.state(), AssociationState::OtherProgram);
         ScriptedDialogs dialogs;
         a.resolveByHand();
         QCOMPARE(dialogs.messages.size(), 1);
         const QString text = dialogs.messages[0].text;
-        QVERIFY2(text.contains("Other Editor (other.desktop)") && text.contains(userList()), qPrintable(text));
-        QCOMPARE(ReadAll(userList()), list);
+        QVERIFY2(text.contains("Other Editor (other.desktop)") && text.contains(at("config/mimeapps.list")),
+                 qPrintable(text));
+        QCOMPARE(ReadAll(at("config/mimeapps.list")), list);
 
         a.remove();
-        QCOMPARE(QString::fromUtf8(ReadAll(userList())),
+        QCOMPARE(QString::fromUtf8(ReadAll(at("config/mimeapps.list"))),
                  QString("[Default Applications]\napplication/x-lfs-layout=other.desktop;\n"));
         QCOMPARE(a.state(), AssociationState::OtherProgram);
     }
@@ -206,7 +170,6 @@ private slots:
     void registry()
     {
         TempAppFolder app(false);
-        QVERIFY(app.path().endsWith(u'\\'));
         const QString command = u".lyt\\shell\\open\\command"_s;
         const QString exe = app.path() + QFileInfo(QCoreApplication::applicationFilePath()).fileName();
         const auto a = NativeFileAssociation();

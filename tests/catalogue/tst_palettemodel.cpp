@@ -3,7 +3,6 @@
 
 #include "base/ErrorLog.h"
 #include "base/Language.h"
-#include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
 #include "catalogue/PackList.h"
 #include "catalogue/PalettePainter.h"
@@ -147,33 +146,26 @@ private slots:
         QCOMPARE(int(PaletteHitItem(panel, y, scroll, packs)), item);
     }
 
-    void packListing_data()
-    {
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QStringList>("listed");
-        QTest::addColumn<QStringList>("captions");
-        QTest::newRow("AU site, any case, by name")
-            << "AU1" << QStringList{u"AU_.pack"_s, u"AU_a.pack"_s, u"AU_b.pack"_s, u"au_lower.PACK"_s}
-            << QStringList{QString(), u"a"_s, u"b"_s, u"lower"_s};
-        QTest::newRow("BL site") << "BL3" << QStringList{u"BL_ramps.pack"_s} << QStringList{u"ramps"_s};
-    }
+    // A site lists its own packs, in any letter case, by name; the caption is the name
+    // without the site's prefix and ".pack".
     void packListing()
     {
-        QFETCH(QString, type);
-        QFETCH(QStringList, listed);
-        QFETCH(QStringList, captions);
         TempAppFolder app(false);
         for (const QString &f : {u"AU_b.pack"_s, u"AU_a.pack"_s, u"au_lower.PACK"_s, u"BL_ramps.pack"_s,
                                  u"AU_notes.txt"_s, u"XAU_x.pack"_s, u"AU_.pack"_s})
             WriteFile(app.file(u"packs/"_s + f), pack(10, 10, {{0, 0}, {10, 10}}));
-        activate(type);
-        PackList list;
-        QVERIFY(list.Refresh());
-        QCOMPARE(list.Count(), int(listed.size()));
-        for (int i = 0; i < listed.size(); ++i) {
-            QCOMPARE(list.Entry(i + 1).FileName, listed[i]);
-            QCOMPARE(list.Entry(i + 1).Caption, captions[i]);
-        }
+        auto listed = [](const QString &type) {
+            activate(type);
+            PackList list;
+            QStringList out;
+            if (!list.Refresh())
+                out << u"refresh failed"_s;
+            for (int i = 1; i <= list.Count(); ++i)
+                out << list.Entry(i).FileName + u'=' + list.Entry(i).Caption;
+            return out;
+        };
+        QCOMPARE(listed(u"AU1"_s), (QStringList{"AU_.pack=", "AU_a.pack=a", "AU_b.pack=b", "au_lower.PACK=lower"}));
+        QCOMPARE(listed(u"BL3"_s), QStringList{"BL_ramps.pack=ramps"});
         QVERIFY(LoggedErrors().isEmpty());
     }
 
@@ -198,7 +190,6 @@ private slots:
         WriteFile(app.file(u"packs/AU_3after.pack"_s), pack(10, 10, {{0, 0}}));
         PackList list;
         QVERIFY(!list.Refresh());
-        QCOMPARE(list.Count(), 3);
         QCOMPARE((QStringList{list.Entry(1).Caption, list.Entry(2).Caption, list.Entry(3).FileName}),
                  (QStringList{u"1good"_s, QString(), u"AU_3after.pack"_s}));
         QCOMPARE(LoggedErrors(), QStringList{error + u" in Objectbar.RefreshPacks"_s});
@@ -228,10 +219,7 @@ private slots:
         QFETCH(QSize, box);
         QFETCH(QList<QPoint>, objects);
         QFETCH(QList<QPoint>, dots);
-        PackData data;
-        data.width = int16_t(box.width());
-        data.height = int16_t(box.height());
-        data.count = int16_t(objects.size());
+        PackData data{int16_t(box.width()), int16_t(box.height()), int16_t(objects.size()), {}};
         for (const QPoint &p : objects)
             data.records.append(PackRecord{14, int16_t(p.x()), int16_t(p.y()), 0, 0});
         const QImage img = PackPreview(data).Handle().convertToFormat(QImage::Format_ARGB32);
@@ -286,12 +274,9 @@ private slots:
         const int startCaption = captionBrightness(selectedStart, row0);
         QVERIFY2(startCaption > 120 && startCaption <= 169, qPrintable(QString::number(startCaption)));
         QVERIFY(captionBrightness(selectedStart, row1) >= 240);
-    }
 
-    // Painting and hit-testing count rows alike: scrolled by half a row, row 1 starts at
-    // 4 + 52 - 26.
-    void paintingScrolled()
-    {
+        // Painting and hit-testing count rows alike: scrolled by half a row, row 1 starts
+        // at 4 + 52 - 26.
         const QImage img = paint({0, 1, 26});
         QVERIFY(near(img.pixelColor(Palette::CellLeft, 30), Palette::SelectedLight, 8));
         QCOMPARE(img.pixelColor(Palette::CellLeft, 30 - 1), Palette::CanvasColour);

@@ -6,12 +6,8 @@
 #include "reliability/ReliabilitySupport.h"
 #include "support/TestSupport.h"
 
-#include <QBuffer>
 #include <QPainter>
 #include <QtTest>
-
-#include <cmath>
-#include <memory>
 
 namespace {
 
@@ -41,14 +37,9 @@ cBitmap marked(int w, int h, QPoint marker)
 class TestImaging : public QObject {
     Q_OBJECT
 
-private slots:
-    void initTestCase()
-    {
-        m_app = std::make_unique<TempAppFolder>(false);
-        QVERIFY(m_app->isValid());
-    }
-    void cleanupTestCase() { m_app.reset(); }
+    TempAppFolder m_app{false};
 
+private slots:
     void colourMatrix_data()
     {
         QTest::addColumn<QString>("matrix");
@@ -58,7 +49,6 @@ private slots:
         QTest::newRow("highlight clamps") << "highlight" << qRgba(200, 250, 255, 255) << qRgba(255, 255, 255, 255);
         QTest::newRow("highlight keeps alpha 0") << "highlight" << qRgba(0, 0, 0, 0) << qRgba(140, 140, 140, 0);
         QTest::newRow("ghost") << "ghost" << qRgba(10, 20, 30, 255) << qRgba(10, 20, 30, 140);
-        QTest::newRow("tint on white") << "tint" << qRgba(255, 255, 255, 255) << qRgba(255, 70, 41, 255);
         QTest::newRow("tint on grey") << "tint" << qRgba(128, 128, 128, 200) << qRgba(128, 35, 21, 200);
     }
     // One pixel through the formula, then whole pictures in every input form, which go
@@ -120,26 +110,24 @@ private slots:
         QTest::addColumn<QSize>("size");
         QTest::addColumn<int>("angle");
         QTest::addColumn<QPoint>("marker");
-        QTest::addColumn<int>("side");
         QTest::addColumn<QPointF>("expected");
         const QSize s(60, 40);
-        QTest::newRow("0 not mirrored") << s << 0 << QPoint(10, 10) << 92 << QPointF(-20, -10);
-        QTest::newRow("90 top goes left") << s << 90 << QPoint(30, 5) << 92 << QPointF(-15, 0);
-        QTest::newRow("-90 top goes right") << s << -90 << QPoint(30, 5) << 92 << QPointF(15, 0);
-        QTest::newRow("180") << s << 180 << QPoint(10, 10) << 92 << QPointF(20, 10);
-        QTest::newRow("45 right goes up-right") << s << 45 << QPoint(50, 20) << 92 << QPointF(14.14, -14.14);
-        QTest::newRow("190 is -170") << s << 190 << QPoint(50, 20) << 92 << QPointF(-19.70, 3.47);
-        QTest::newRow("-190 is 170") << s << -190 << QPoint(50, 20) << 92 << QPointF(-19.70, -3.47);
-        QTest::newRow("-32768") << s << -32768 << QPoint(50, 20) << 92 << QPointF(19.81, 2.78);
-        QTest::newRow("tall") << QSize(20, 300) << 0 << QPoint(10, 10) << 332 << QPointF(0, -140);
-        QTest::newRow("wide, 90") << QSize(301, 20) << 90 << QPoint(290, 10) << 333 << QPointF(0, -140);
+        QTest::newRow("0 not mirrored") << s << 0 << QPoint(10, 10) << QPointF(-20, -10);
+        QTest::newRow("90 top goes left") << s << 90 << QPoint(30, 5) << QPointF(-15, 0);
+        QTest::newRow("-90 top goes right") << s << -90 << QPoint(30, 5) << QPointF(15, 0);
+        QTest::newRow("45 right goes up-right") << s << 45 << QPoint(50, 20) << QPointF(14.14, -14.14);
+        QTest::newRow("190 is -170") << s << 190 << QPoint(50, 20) << QPointF(-19.70, 3.47);
+        QTest::newRow("-190 is 170") << s << -190 << QPoint(50, 20) << QPointF(-19.70, -3.47);
+        QTest::newRow("-32768") << s << -32768 << QPoint(50, 20) << QPointF(19.81, 2.78);
+        QTest::newRow("tall") << QSize(20, 300) << 0 << QPoint(10, 10) << QPointF(0, -140);
+        QTest::newRow("wide, 90") << QSize(301, 20) << 90 << QPoint(290, 10) << QPointF(0, -140);
     }
     void rotate()
     {
         QFETCH(QSize, size);
         QFETCH(int, angle);
         QFETCH(QPoint, marker);
-        QFETCH(int, side);
+        const int side = std::max(size.width(), size.height()) + 32;
         QFETCH(QPointF, expected);
         cBitmap r;
         r.Rotate(marked(size.width(), size.height(), marker), int16_t(angle));
@@ -183,17 +171,14 @@ private slots:
     {
         QFETCH(QByteArray, bytes);
         QFETCH(QSize, size);
-        const QString path = WriteFile(m_app->file("pictures/load.png"), bytes);
+        const QString path = WriteFile(m_app.file("pictures/load.png"), bytes);
         cBitmap b = marked(2, 2, {});
         QCOMPARE(b.LoadFromFile(path), !size.isEmpty());
         QCOMPARE(QSize(b.Width(), b.Height()), size);
         QCOMPARE(b.isNull(), size.isEmpty());
-        QVERIFY(!b.LoadFromFile(m_app->file("pictures/missing.png")));
+        QVERIFY(!b.LoadFromFile(m_app.file("pictures/missing.png")));
         QCOMPARE(b.Width(), 0);
     }
-
-private:
-    std::unique_ptr<TempAppFolder> m_app;
 };
 
 QTEST_MAIN(TestImaging)

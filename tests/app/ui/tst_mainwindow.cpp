@@ -1,14 +1,12 @@
-#include "base/ConfigFile.h"
-#include "base/Language.h"
-#include "base/Settings.h"
 #include "app/ui/Application.h"
 #include "app/ui/QtDialogs.h"
 #include "app/ui/frmMDI.h"
 #include "app/ui/frmOptions.h"
+#include "base/Settings.h"
 #include "support/TestSupport.h"
 
-#include <QFileDialog>
 #include <QtTest>
+#include <QtWidgets>
 
 using namespace Qt::StringLiterals;
 
@@ -41,28 +39,6 @@ private slots:
 #endif
     }
 
-    // Closing the main window writes the options and the recent files.
-    void closeWritesConfiguration()
-    {
-        TempAppFolder app(false);
-        ScriptedDialogs dlg;
-        options() = Options::defaults();
-        for (int slot : LanguageSlots())
-            SetLang(slot, DefaultLanguageString(slot));
-        {
-            frmMDI mdi;
-            mdi.RecentAdd(u"/x/AU1_old.lyt"_s);
-            mdi.RecentAdd(u"/x/BL3_new.lyt"_s);
-            mdi.show();
-            QVERIFY(QTest::qWaitForWindowExposed(&mdi));
-            QVERIFY(mdi.close());
-        }
-        const QByteArray cfg = ReadAll(ConfigPath());
-        QVERIFY(cfg.contains("\r\nRecentFile1 /x/BL3_new.lyt\r\nRecentFile2 /x/AU1_old.lyt\r\n"));
-        QVERIFY(!cfg.contains("RecentFile3"));
-        QVERIFY(cfg.contains("\r\nSaveType jpg\r\n"));
-    }
-
     // A first run shows the options without blocking the main window, and frees them when
     // they close. With a Varno.cfg there is nothing to show.
     void firstRunOptionsModeless()
@@ -75,8 +51,8 @@ private slots:
         // Were the dialog modal, this ends it so that the test fails instead of hanging.
         QTimer::singleShot(0, [] { if (QWidget *w = QApplication::activeModalWidget()) w->close(); });
         QPointer<frmOptions> dialog = ShowFirstRunOptions(mdi);
-        QVERIFY(dialog && dialog->isVisible() && !dialog->isModal() && !QApplication::activeModalWidget());
-        QVERIFY(dialog->parent() == &mdi);
+        QVERIFY(dialog && dialog->isVisible() && !dialog->isModal() && !QApplication::activeModalWidget()
+                && dialog->parent() == &mdi);
         dialog->close();
         QTRY_VERIFY(!dialog);
         WriteFile(ConfigPath(), {});
@@ -98,10 +74,7 @@ private slots:
                     d->reject();
                 }
             });
-            FileDialogRequest r;
-            r.initialDir = folder;
-            r.fileName = name;
-            dialogs.saveFile(r);
+            dialogs.saveFile(FileDialogRequest{.initialDir = folder, .fileName = name});
             return QFileInfo(shown).canonicalFilePath();
         };
         const QString packs = QDir().mkpath(app.file(u"packs"_s)) ? app.file(u"packs"_s) : QString();
