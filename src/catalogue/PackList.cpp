@@ -3,7 +3,7 @@
 #include "base/ErrorLog.h"
 #include "base/Settings.h"
 #include "catalogue/ObjectKinds.h"
-#include "core/LayoutDocument.h"
+#include "catalogue/PackFormat.h"
 #include "base/Runtime.h"
 #include "imaging/cGraphics.h"
 

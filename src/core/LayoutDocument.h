@@ -5,6 +5,7 @@
 //
 // Refusals come back through Refused; run-time errors go to the caller.
 
+#include "catalogue/PackFormat.h"
 #include "core/LayoutObject.h"
 #include "core/ObjectCollection.h"
 
@@ -34,27 +35,6 @@ struct DocumentState {
 struct SelectionBox {
     int32_t left = 0, top = 0, right = 0, bottom = 0;
 };
-
-// A pack file as stored: header and the records that are actually present.
-struct PackRecord {
-    uint8_t ID = 0;
-    int16_t X = 0;
-    int16_t Y = 0;
-    int16_t Angle = 0;
-    uint8_t Width = 0;
-};
-struct PackData {
-    int16_t width = 0;
-    int16_t height = 0;
-    int16_t count = 0;          // as the header says
-    QList<PackRecord> records;  // at most count; fewer when the file ends early
-    bool complete() const { return records.size() >= count; }
-};
-// Reads a pack without placing it. Error 53 for a missing file, 62 when the 6-byte
-// header is not all there. A negative count reads no records.
-PackData ReadPackFile(const QString &path);
-// The bytes of a pack file.
-QByteArray PackBytes(int16_t width, int16_t height, const QList<PackRecord> &records);
 
 class LayoutDocument : public QObject {
     Q_OBJECT
