@@ -1,7 +1,6 @@
 #include "support/DocumentFixture.h"
 
 #include <QProcess>
-#include <QRandomGenerator>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -187,24 +186,6 @@ private slots:
         }
         QCOMPARE(ReadAll(in), bytes);
         QVERIFY(!QFile::exists(out));
-    }
-
-    // Whatever the bytes, the tool answers with a status instead of crashing.
-    void garbageNeverCrashes()
-    {
-        QRandomGenerator rng(20261121);
-        for (int i = 0; i < 6; ++i) {
-            QByteArray bytes(int(rng.bounded(0, 200)), 0);
-            for (char &c : bytes)
-                c = char(rng.bounded(256));
-            if (i % 2)
-                bytes.replace(0, qMin<qsizetype>(12, bytes.size()),
-                              lytHeader(251, int(rng.bounded(40)), 1).left(bytes.size()));
-            const QString lyt = WriteFile(m_app->file(u"layouts/BL3_g%1.lyt"_s.arg(i)), bytes);
-            const QString pk = WriteFile(m_app->file(u"packs/BL_g%1.pack"_s.arg(i)), bytes);
-            for (const QStringList &args : {QStringList{u"info"_s, lyt, u"--json"_s}, QStringList{u"pack-info"_s, pk}})
-                QVERIFY2(QList<int>({0, 1}).contains(run(args).exitCode), qPrintable(args.join(u' ')));
-        }
     }
 };
 

