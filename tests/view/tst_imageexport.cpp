@@ -75,7 +75,8 @@ private slots:
     // in the words of the language; the proposed name gives up its last three characters,
     // whatever they are, for the type; only a name ending in exactly "jpg" offers the
     // quality; the remembered folder keeps (length - position of the last separator - 1)
-    // characters.
+    // characters. The size boxes: base size and the opening percent, then one change;
+    // the width, height and percent after it.
     void rules_data()
     {
         QTest::addColumn<QString>("rule");
@@ -97,6 +98,14 @@ private slots:
         QTest::newRow("no dot, ending in jpg") << "quality" << "ajpg" << "yes";
         QTest::newRow("folder") << "folder" << "/home/me/pics/a.jpg" << "/hom";
         QTest::newRow("no folder") << "folder" << "ajpg" << "ajp";
+        QTest::newRow("height 400 on 1000x800") << "boxes" << "1000 800 100 height 400" << "500 400 50";
+        // Width 5 of 200 x 100 asks for height 2.5, which is 2, which asks for width 4.
+        QTest::newRow("ties to even") << "boxes" << "200 100 100 width 5" << "4 2 2";
+        QTest::newRow("width above the limit") << "boxes" << "1000 800 100 width 20000" << "10000 8000 1000";
+        QTest::newRow("stored percent 2000 clamps") << "boxes" << "100 50 2000" << "1000 500 1000";
+        // 333 wide: height 266.4 gives 266, which in turn asks for width 332.5, so 332;
+        // the boxes settle a step away from what was typed, as they always did.
+        QTest::newRow("rounding drift") << "boxes" << "1000 800 100 width 333" << "330 264 33";
     }
     void rules()
     {
@@ -105,47 +114,20 @@ private slots:
         QFETCH(QString, expected);
         if (rule == "Datei")
             SetLang(103, "Datei"), SetLang(102, "Alle Dateien");
-        const QString name = input.section(' ', 0, 0), type = input.section(' ', 1);
-        const QString got = rule == "name"     ? SaveImageProposedName(name, type)
+        const QStringList a = input.split(' ');
+        SaveImageProportions p;
+        if (rule == "boxes") {
+            p.open(a[0].toInt(), a[1].toInt(), a[2].toInt(), 90);
+            if (a.size() > 3)
+                (p.*(a[3] == "width" ? &SaveImageProportions::setWidth : &SaveImageProportions::setHeight))(a[4].toInt());
+        }
+        const QString got = rule == "name"      ? SaveImageProposedName(a[0], a.value(1))
                             : rule == "folder"  ? RememberedSaveFolder(input)
                             : rule == "quality" ? (SaveImageQualityEnabled(input) ? "yes" : "no")
+                            : rule == "boxes"   ? QString("%1 %2 %3").arg(p.width()).arg(p.height()).arg(p.percent())
                                                 : SaveImageFilter(input);
         LoadLanguage();
         QCOMPARE(got, expected);
-    }
-
-    // Each row: base size, the opening percent, then one change; the three boxes after it.
-    void proportions_data()
-    {
-        QTest::addColumn<QSize>("base");
-        QTest::addColumn<int>("openPercent");
-        QTest::addColumn<QString>("box");
-        QTest::addColumn<int>("value");
-        QTest::addColumn<QList<int>>("expected"); // width, height, percent
-        QTest::newRow("height 400 on 1000x800") << QSize(1000, 800) << 100 << "height" << 400
-                                                << QList<int>{500, 400, 50};
-        // Width 5 of 200 x 100 asks for height 2.5, which is 2, which asks for width 4.
-        QTest::newRow("ties to even") << QSize(200, 100) << 100 << "width" << 5 << QList<int>{4, 2, 2};
-        QTest::newRow("width above the limit") << QSize(1000, 800) << 100 << "width" << 20000
-                                               << QList<int>{10000, 8000, 1000};
-        QTest::newRow("stored percent 2000 clamps") << QSize(100, 50) << 2000 << "" << 0
-                                                   << QList<int>{1000, 500, 1000};
-        // 333 wide: height 266.4 gives 266, which in turn asks for width 332.5, so 332;
-        // the boxes settle a step away from what was typed, as they always did.
-        QTest::newRow("rounding drift") << QSize(1000, 800) << 100 << "width" << 333 << QList<int>{330, 264, 33};
-    }
-    void proportions()
-    {
-        QFETCH(QSize, base);
-        QFETCH(int, openPercent);
-        QFETCH(QString, box);
-        QFETCH(int, value);
-        QFETCH(QList<int>, expected);
-        SaveImageProportions p;
-        p.open(base.width(), base.height(), openPercent, 90);
-        if (!box.isEmpty())
-            (p.*(box == "width" ? &SaveImageProportions::setWidth : &SaveImageProportions::setHeight))(value);
-        QCOMPARE((QList<int>{p.width(), p.height(), p.percent()}), expected);
     }
 
     // The written file, decoded, against the picture drawn in one piece. Lossless
