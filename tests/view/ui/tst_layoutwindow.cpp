@@ -2,7 +2,6 @@
 // view commands and paint.
 
 #include "WindowFixture.h"
-#include "support/DocumentFixture.h"
 
 #include "imaging/cBitmap.h"
 #include "core/LayoutDocument.h"
@@ -84,29 +83,6 @@ private slots:
     {
         m_w.reset();
         m_fx.reset();
-    }
-
-    // A layout whose background is missing still opens (with no bounds, so nothing can be
-    // placed) and stays usable; only a file that cannot be read keeps its tab from opening.
-    void initilize()
-    {
-        const QByteArray cone = lytHeader(251, 1, 1) + lytRecord(0, -13224, 255, 0, 29, 128);
-        frmLayout w;
-        w.resize(400, 300);
-        QVERIFY(!w.Initilize(WriteFile(m_fx->layoutPath("XYZ_full.lyt"), cone)));
-        options().AU1 = QString();
-        QFile::remove(m_fx->app.file("backgrounds/AU1.png"));
-        QVERIFY(w.Initilize(WriteFile(m_fx->layoutPath("AU1_bare.lyt"), cone)));
-        QCOMPARE(m_fx->dialogs.messages.size(), 3); // the type twice, then the picture
-        QVERIFY(m_fx->dialogs.messages.last().text.endsWith("\r\n\r\nNot found!?"));
-        QCOMPARE(w.ObjectCount(), int16_t(0));
-        QVERIFY(!w.Edited());
-        w.show();
-        w.setZoom(87);
-        w.GoToStart();
-        QVERIFY(!w.grab().isNull());
-        w.ObjectAdd(20, 10, 10, 0, 0, false, false);
-        QCOMPARE(w.ObjectCount(), int16_t(0));
     }
 
     // Cone A at 200,200 (selected), cone B at 300,200, pointer at 400,300, then the keys.
