@@ -29,17 +29,16 @@ void wheel(frmLayout &w, int delta, Qt::KeyboardModifiers mods)
     QApplication::sendEvent(c, &e);
 }
 
-// Everything undo must bring back, keys and route numbers included.
+// Everything undo must bring back, keys and route numbers included (the selection is not
+// part of a step).
 QString fullState(const LayoutDocument &doc)
 {
-    QStringList out;
+    QString out = describe(doc).remove(QLatin1Char('*'));
     for (const varnoObject &o : doc.Objects())
-        out << QStringLiteral("%1=%2@%3,%4a%5w%6r%7").arg(o.Key()).arg(o.ID()).arg(o.X()).arg(o.Y()).arg(o.Angle())
-                   .arg(o.Width()).arg(o.RouteIndex());
-    out << QStringLiteral("laps %1 marshalls %2 flags %3%4%5%6%7")
-               .arg(doc.Laps()).arg(doc.MarshallCount()).arg(doc.HasStart()).arg(doc.HasCheckpoint1())
-               .arg(doc.HasCheckpoint2()).arg(doc.HasCheckpoint3()).arg(doc.HasFinish());
-    return out.join(QStringLiteral("; "));
+        out += QStringLiteral(" %1r%2").arg(o.Key()).arg(o.RouteIndex());
+    return out + QStringLiteral(" laps %1 marshalls %2 flags %3%4%5%6%7").arg(doc.Laps()).arg(doc.MarshallCount())
+                     .arg(doc.HasStart()).arg(doc.HasCheckpoint1()).arg(doc.HasCheckpoint2())
+                     .arg(doc.HasCheckpoint3()).arg(doc.HasFinish());
 }
 
 // True when a pixel near p differs from the plain ground (small pictures have
