@@ -1,60 +1,15 @@
-#include "support/TestSupport.h"
+#include "support/DocumentFixture.h"
 
 #include <QProcess>
-#include <QRandomGenerator>
-#include <QtEndian>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QByteArray header(int count, int revision = 251, int laps = 1)
+QByteArray packRecord(int id, int x, int y, int angle, int width)
 {
-    QByteArray h("LFSLYT");
-    h += char(0);
-    h += char(revision);
-    h += char(count & 0xFF);
-    h += char((count >> 8) & 0xFF);
-    h += char(laps);
-    h += char(0);
-    return h;
+    return char(id) + le16(x) + le16(y) + le16(angle) + char(width);
 }
-
-QByteArray record(int16_t x, int16_t y, uint8_t z, uint8_t flags, uint8_t index, uint8_t heading)
-{
-    QByteArray r(8, 0);
-    qToLittleEndian<int16_t>(x, r.data());
-    qToLittleEndian<int16_t>(y, r.data() + 2);
-    r[4] = char(z);
-    r[5] = char(flags);
-    r[6] = char(index);
-    r[7] = char(heading);
-    return r;
-}
-
-QByteArray pack(int16_t w, int16_t h, int16_t count, const QList<QByteArray> &records)
-{
-    QByteArray p(6, 0);
-    qToLittleEndian<int16_t>(w, p.data());
-    qToLittleEndian<int16_t>(h, p.data() + 2);
-    qToLittleEndian<int16_t>(count, p.data() + 4);
-    for (const QByteArray &r : records)
-        p += r;
-    return p;
-}
-
-QByteArray packRecord(uint8_t id, int16_t x, int16_t y, int16_t angle, uint8_t width)
-{
-    QByteArray r(8, 0);
-    r[0] = char(id);
-    qToLittleEndian<int16_t>(x, r.data() + 1);
-    qToLittleEndian<int16_t>(y, r.data() + 3);
-    qToLittleEndian<int16_t>(angle, r.data() + 5);
-    r[7] = char(width);
-    return r;
-}
-
 } // namespace
 
 // varno-cli is run as a user would: a copy in its own application folder, so that its
@@ -66,10 +21,8 @@ class TestCli : public QObject {
 
     struct Result {
         int exitCode = -1;
-        QByteArray out;
-        QByteArray err;
+        QByteArray out, err;
     };
-
     Result run(const QStringList &args)
     {
         QProcess p;
@@ -77,7 +30,7 @@ class TestCli : public QObject {
         p.start(m_cli, args);
         if (!p.waitForFinished(60000) || p.exitStatus() != QProcess::NormalExit)
             return {};
-        return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
+        return {p.exitCode(), p.readAllStandardOutput().trimmed(), p.readAllStandardError()};
     }
 
 private slots:
@@ -89,195 +42,140 @@ private slots:
     }
     void cleanupTestCase() { m_app.reset(); }
 
-    void infoJson_data()
+    // info --json of a layout file, and pack-info --json of a pack (a name ending in .pack).
+    void json_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QByteArray>("json");
-        QTest::newRow("a cone at the middle of AU1")
-            << "AU1_one.lyt" << header(1) + record(-1024, -13224, 255, 0, 29, 192) << 0
+        const QByteArray cone = lytRecord(-1024, -13224, 255, 0, 29, 192);
+        QTest::newRow("a cone at the middle of AU1") << "AU1_one.lyt" << lytHeader(251, 1, 1) + cone << 0
             << R"({"type":"AU1","revision":251,"laps":1,"opened":true,"objectCount":1,"objects":[{"id":14,"kind":"cone red","x":815,"y":1470,"angle":90,"width":0,"route":0}],"messages":[],"errors":[]})"_ba;
-        QTest::newRow("outside is refused, overflow stops the read")
-            << "AU1_bad.lyt"
-            << header(3) + record(-1024, -13224, 255, 0, 29, 192) + record(-3400, -13224, 255, 0, 29, 0)
-                   + record(30000, -13224, 255, 0, 29, 0)
-            << 1
+        QTest::newRow("outside is refused, overflow stops the read") << "AU1_bad.lyt"
+            << lytHeader(251, 3, 1) + cone + lytRecord(-3400, -13224, 255, 0, 29, 0)
+                   + lytRecord(30000, -13224, 255, 0, 29, 0) << 1
             << R"({"type":"AU1","revision":251,"laps":1,"opened":false,"objectCount":1,"objects":[{"id":14,"kind":"cone red","x":815,"y":1470,"angle":90,"width":0,"route":0}],"messages":["Object outside layout, cannot add"],"errors":["6: Overflow in frmLayout.LayoutOpen"]})"_ba;
-        QTest::newRow("route checkers and a restricted area, lower case name")
-            << "au2_r.lyt"
-            << header(3, 250, 2) + record(-2000, -11000, 255, 10, 255, 7) + record(-1900, -11000, 255, 10, 255, 9)
-                   + record(-1800, -11000, 255, 128 + 20 + 1, 255, 64)
+        QTest::newRow("route checkers and a restricted area, lower case name") << "au2_r.lyt"
+            << lytHeader(250, 3, 2) + lytRecord(-2000, -11000, 255, 10, 255, 7)
+                   + lytRecord(-1900, -11000, 255, 10, 255, 9) + lytRecord(-1800, -11000, 255, 128 + 20 + 1, 255, 64)
             << 0
             << R"({"type":"AU2","revision":250,"laps":2,"opened":true,"objectCount":0,"objects":[{"id":59,"kind":"route checker","x":557,"y":484,"angle":-170,"width":5,"route":0},{"id":59,"kind":"route checker","x":592,"y":484,"angle":-167,"width":5,"route":1},{"id":56,"kind":"restricted marshall","x":627,"y":484,"angle":-90,"width":10,"route":0}],"messages":[],"errors":[]})"_ba;
         QTest::newRow("unknown index on BL3 is not allowed")
-            << "BL3_u.lyt" << header(1) + record(-3904, 1480, 35, 0, 200, 0) << 0
+            << "BL3_u.lyt" << lytHeader(251, 1, 1) + lytRecord(-3904, 1480, 35, 0, 200, 0) << 0
             << R"({"type":"BL3","revision":251,"laps":1,"opened":true,"objectCount":0,"objects":[],"messages":["Object not allowed in this layout type, cannot add"],"errors":[]})"_ba;
         QTest::newRow("truncated file keeps what was read")
-            << "AU1_cut.lyt" << header(4) + record(-1024, -13224, 255, 0, 29, 0) + "\x01\x02"_ba << 1
+            << "AU1_cut.lyt" << lytHeader(251, 4, 1) + lytRecord(-1024, -13224, 255, 0, 29, 0) + "\x01\x02"_ba << 1
             << R"({"type":"AU1","revision":251,"laps":1,"opened":false,"objectCount":1,"objects":[{"id":14,"kind":"cone red","x":815,"y":1470,"angle":-180,"width":0,"route":0}],"messages":[],"errors":["62: Input past end of file in frmLayout.LayoutOpen"]})"_ba;
         QTest::newRow("empty layout of an unknown type opens, the type is reported")
-            << "XYZ_empty.lyt" << header(0) << 1
+            << "XYZ_empty.lyt" << lytHeader(251, 0, 1) << 1
             << R"({"type":"XYZ","revision":251,"laps":1,"opened":true,"objectCount":0,"objects":[],"messages":[],"errors":["XYZ\r\nUnsupported layout. Currently only AU1, AU2, AU3, AU4 and BL3 are supported."]})"_ba;
+        QTest::newRow("pack of two records")
+            << "AU_t.pack" << le16(40) + le16(10) + le16(2) + packRecord(14, 0, 0, 90, 0) + packRecord(1, 40, 10, -45, 8)
+            << 0
+            << R"({"width":40,"height":10,"count":2,"complete":true,"records":[{"id":14,"kind":"cone red","x":0,"y":0,"angle":90,"width":0},{"id":1,"kind":"finish","x":40,"y":10,"angle":-45,"width":8}]})"_ba;
+        QTest::newRow("old pack tail beyond the count is ignored")
+            << "AU_t.pack" << le16(0) + le16(0) + le16(1) + packRecord(14, 0, 0, 0, 0) + packRecord(15, 5, 5, 5, 5) << 0
+            << R"({"width":0,"height":0,"count":1,"complete":true,"records":[{"id":14,"kind":"cone red","x":0,"y":0,"angle":0,"width":0}]})"_ba;
+        QTest::newRow("pack count above the records present")
+            << "AU_t.pack" << le16(0) + le16(0) + le16(3) + packRecord(14, 0, 0, 0, 0) << 1
+            << R"({"width":0,"height":0,"count":3,"complete":false,"records":[{"id":14,"kind":"cone red","x":0,"y":0,"angle":0,"width":0}]})"_ba;
     }
-    void infoJson()
+    void json()
     {
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
         QFETCH(int, exitCode);
         QFETCH(QByteArray, json);
-        const QString path = WriteFile(m_app->file(u"layouts/"_s + name), bytes);
-        const Result r = run({u"info"_s, path, u"--json"_s});
-        QCOMPARE(r.out.trimmed(), json);
+        const bool pack = name.endsWith(u".pack"_s);
+        const QString path = WriteFile(m_app->file((pack ? u"packs/"_s : u"layouts/"_s) + name), bytes);
+        const Result r = run({pack ? u"pack-info"_s : u"info"_s, path, u"--json"_s});
+        QCOMPARE(r.out, json);
         QCOMPARE(r.exitCode, exitCode);
     }
 
-    void missingFile()
-    {
-        const Result r = run({u"info"_s, m_app->file(u"layouts/AU1_none.lyt"_s), u"--json"_s});
-        QCOMPARE(r.exitCode, 1);
-        QVERIFY(r.out.contains("\"opened\":false"));
-        QVERIFY(r.err.contains("Not found!?"));
-    }
-
-    void usage_data()
+    // Exit status and what stderr says; "@missing" and "@short" stand for a layout that
+    // does not exist and a pack whose header is cut short.
+    void status_data()
     {
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<int>("exitCode");
-        QTest::newRow("nothing") << QStringList() << 2;
-        QTest::newRow("unknown command") << QStringList{"explode", "x"} << 2;
-        QTest::newRow("unknown option") << QStringList{"info", "a.lyt", "--yaml"} << 2;
-        QTest::newRow("resave needs two files") << QStringList{"resave", "a.lyt"} << 2;
-        QTest::newRow("help") << QStringList{"--help"} << 0;
-        QTest::newRow("version") << QStringList{"--version"} << 0;
+        QTest::addColumn<QByteArray>("err");
+        QTest::newRow("nothing") << QStringList() << 2 << "Usage:"_ba;
+        QTest::newRow("unknown command") << QStringList{"explode", "x"} << 2 << "Usage:"_ba;
+        QTest::newRow("unknown option") << QStringList{"info", "a.lyt", "--yaml"} << 2 << "Usage:"_ba;
+        QTest::newRow("resave needs two files") << QStringList{"resave", "a.lyt"} << 2 << "Usage:"_ba;
+        QTest::newRow("help") << QStringList{"--help"} << 0 << ""_ba;
+        QTest::newRow("version") << QStringList{"--version"} << 0 << ""_ba;
+        QTest::newRow("missing file") << QStringList{"info", "@missing", "--json"} << 1 << "Not found!?"_ba;
+        QTest::newRow("short pack header") << QStringList{"pack-info", "@short"} << 1
+                                           << "62: Input past end of file"_ba;
     }
-    void usage()
+    void status()
     {
         QFETCH(QStringList, args);
         QFETCH(int, exitCode);
+        QFETCH(QByteArray, err);
+        args.replaceInStrings(u"@missing"_s, m_app->file(u"layouts/AU1_none.lyt"_s));
+        args.replaceInStrings(u"@short"_s, WriteFile(m_app->file(u"packs/AU_short.pack"_s), "\x01\x00\x02"_ba));
         const Result r = run(args);
         QCOMPARE(r.exitCode, exitCode);
-        if (exitCode == 2)
-            QVERIFY(r.err.contains("Usage:"));
+        QVERIFY2(r.err.contains(err), r.err.constData());
     }
 
-    void resaveIsStable_data()
+    // Resaved once and once more, the bytes stay the same. A layout the editor could not
+    // show whole is never reported as read or written back, over itself or elsewhere.
+    void resave_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("refusal"); // empty: written
         QTest::newRow("AU1") << "AU1_s.lyt"
-                             << header(4, 250, 3) + record(-1024, -13224, 255, 0, 29, 192)
-                                    + record(-1000, -13000, 255, 128, 0, 128)
-                                    + record(-900, -13000, 255, 128 + 20, 0, 64)
-                                    + record(-800, -12000, 255, 10, 255, 3);
-        QTest::newRow("AU2") << "AU2_s.lyt" << header(2) + record(-2000, -11000, 255, 0, 3, 10)
-                                                   + record(-1000, -10000, 255, 128 + 8 + 2, 0, 200);
-        QTest::newRow("BL3") << "BL3_s.lyt" << header(2, 252) + record(-3904, 1480, 35, 0, 22, 10)
-                                                   + record(-3000, 1000, 35, 0, 33, 100);
+                             << lytHeader(250, 4, 3) + lytRecord(-1024, -13224, 255, 0, 29, 192)
+                                    + lytRecord(-1000, -13000, 255, 128, 0, 128)
+                                    + lytRecord(-900, -13000, 255, 128 + 20, 0, 64)
+                                    + lytRecord(-800, -12000, 255, 10, 255, 3) << QByteArray();
+        // BL3 revision 252 stacks every object at (0, 0): the file opens but keeps nothing.
+        QTest::newRow("BL3") << "BL3_s.lyt" << lytHeader(252, 2, 1) + lytRecord(-3904, 1480, 35, 0, 22, 10)
+                                                   + lytRecord(-3000, 1000, 35, 0, 33, 100) << QByteArray();
+        QTest::newRow("truncated") << "AU1_keep.lyt" << lytHeader(251, 2, 1) + "\x01"_ba
+                                   << "could not be opened; nothing was written."_ba;
+        QTest::newRow("background missing") << "AU1_keep.lyt"
+                                            << lytHeader(251, 1, 1) + lytRecord(-1024, -13224, 255, 0, 29, 192)
+                                            << "could not be loaded, so its objects cannot be placed"_ba;
     }
-    void resaveIsStable()
+    void resave()
     {
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
-        const QString in = WriteFile(m_app->file(u"layouts/"_s + name), bytes);
+        QFETCH(QByteArray, refusal);
+        const QString background = m_app->file(u"backgrounds/AU1.png"_s);
+        const bool hide = QTest::currentDataTag() == "background missing"_L1;
+        if (hide)
+            QVERIFY(QFile::rename(background, background + u".away"_s));
+        const auto restore = qScopeGuard([&] {
+            if (hide)
+                QFile::rename(background + u".away"_s, background);
+        });
         // The type comes from the name, so the copies keep the prefix.
-        const QString once = m_app->file(u"layouts/"_s + name.left(4) + u"once.lyt"_s);
-        const QString twice = m_app->file(u"layouts/"_s + name.left(4) + u"twice.lyt"_s);
-        // BL3 revision 252 stacks every object at (0, 0): the file opens but keeps nothing.
+        const QString in = WriteFile(m_app->file(u"layouts/"_s + name), bytes);
+        const QString once = QString(in).replace(u".lyt"_s, u"_once.lyt"_s);
+        const QString twice = QString(in).replace(u".lyt"_s, u"_twice.lyt"_s);
+        QCOMPARE(run({u"info"_s, in}).exitCode, refusal.isEmpty() ? 0 : 1);
+        for (const QString &target : refusal.isEmpty() ? QStringList{} : QStringList{in, once}) {
+            const Result r = run({u"resave"_s, in, target});
+            QCOMPARE(r.exitCode, 1);
+            QVERIFY2(r.err.contains(refusal), r.err.constData());
+        }
+        QVERIFY(refusal.isEmpty() || (ReadAll(in) == bytes && !QFile::exists(once)));
+        if (!refusal.isEmpty())
+            return;
         QCOMPARE(run({u"resave"_s, in, once}).exitCode, 0);
         QCOMPARE(run({u"resave"_s, once, twice}).exitCode, 0);
         const QByteArray a = ReadAll(once);
-        QVERIFY(a.size() >= 12);
         QCOMPARE(ReadAll(twice), a);
         QCOMPARE(a.left(6), "LFSLYT"_ba);
-        QVERIFY(a.at(7) == char(250) || a.at(7) == char(251));
-    }
-
-    // A layout the editor could not show whole is never reported as read or written back.
-    void refusedLayoutsWriteNothing_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<bool>("hideBackground");
-        QTest::addColumn<QByteArray>("message");
-        QTest::newRow("truncated") << header(2) + "\x01"_ba << false << "could not be opened; nothing was written."_ba;
-        QTest::newRow("background missing") << header(1) + record(-1024, -13224, 255, 0, 29, 192) << true
-                                            << "could not be loaded, so its objects cannot be placed"_ba;
-    }
-    void refusedLayoutsWriteNothing()
-    {
-        QFETCH(QByteArray, bytes);
-        QFETCH(bool, hideBackground);
-        QFETCH(QByteArray, message);
-        const QString background = m_app->file(u"backgrounds/AU1.png"_s);
-        if (hideBackground)
-            QVERIFY(QFile::rename(background, background + u".away"_s));
-        const auto restore = qScopeGuard([&] {
-            if (hideBackground)
-                QFile::rename(background + u".away"_s, background);
-        });
-        const QString in = WriteFile(m_app->file(u"layouts/AU1_keep.lyt"_s), bytes);
-        const QString out = m_app->file(u"layouts/AU1_never.lyt"_s);
-        QCOMPARE(run({u"info"_s, in}).exitCode, 1);
-        for (const QString &target : {in, out}) {
-            const Result r = run({u"resave"_s, in, target});
-            QCOMPARE(r.exitCode, 1);
-            QVERIFY2(r.err.contains(message), r.err.constData());
-        }
-        QCOMPARE(ReadAll(in), bytes);
-        QVERIFY(!QFile::exists(out));
-    }
-
-    void packInfo_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<int>("exitCode");
-        QTest::addColumn<QByteArray>("json");
-        QTest::newRow("two records")
-            << pack(40, 10, 2, {packRecord(14, 0, 0, 90, 0), packRecord(1, 40, 10, -45, 8)}) << 0
-            << R"({"width":40,"height":10,"count":2,"complete":true,"records":[{"id":14,"kind":"cone red","x":0,"y":0,"angle":90,"width":0},{"id":1,"kind":"finish","x":40,"y":10,"angle":-45,"width":8}]})"_ba;
-        QTest::newRow("old tail beyond the count is ignored")
-            << pack(0, 0, 1, {packRecord(14, 0, 0, 0, 0), packRecord(15, 5, 5, 5, 5)}) << 0
-            << R"({"width":0,"height":0,"count":1,"complete":true,"records":[{"id":14,"kind":"cone red","x":0,"y":0,"angle":0,"width":0}]})"_ba;
-        QTest::newRow("count above the records present")
-            << pack(0, 0, 3, {packRecord(14, 0, 0, 0, 0)}) << 1
-            << R"({"width":0,"height":0,"count":3,"complete":false,"records":[{"id":14,"kind":"cone red","x":0,"y":0,"angle":0,"width":0}]})"_ba;
-    }
-    void packInfo()
-    {
-        QFETCH(QByteArray, bytes);
-        QFETCH(int, exitCode);
-        QFETCH(QByteArray, json);
-        const QString path = WriteFile(m_app->file(u"packs/AU_t.pack"_s), bytes);
-        const Result r = run({u"pack-info"_s, path, u"--json"_s});
-        QCOMPARE(r.out.trimmed(), json);
-        QCOMPARE(r.exitCode, exitCode);
-    }
-
-    void packInfoOfAShortHeader()
-    {
-        const QString path = WriteFile(m_app->file(u"packs/AU_short.pack"_s), "\x01\x00\x02"_ba);
-        const Result r = run({u"pack-info"_s, path});
-        QCOMPARE(r.exitCode, 1);
-        QVERIFY(r.err.contains("62: Input past end of file"));
-    }
-
-    // Whatever the bytes, the tool answers with a status instead of crashing.
-    void garbageNeverCrashes()
-    {
-        QRandomGenerator rng(20261121);
-        for (int i = 0; i < 6; ++i) {
-            QByteArray bytes(int(rng.bounded(0, 200)), 0);
-            for (char &c : bytes)
-                c = char(rng.bounded(256));
-            if (i % 2)
-                bytes.replace(0, qMin<qsizetype>(12, bytes.size()), header(int(rng.bounded(40))).left(bytes.size()));
-            const QString lyt = WriteFile(m_app->file(u"layouts/BL3_g%1.lyt"_s.arg(i)), bytes);
-            const QString pk = WriteFile(m_app->file(u"packs/BL_g%1.pack"_s.arg(i)), bytes);
-            for (const QStringList &args : {QStringList{u"info"_s, lyt, u"--json"_s}, QStringList{u"pack-info"_s, pk}}) {
-                const Result r = run(args);
-                QVERIFY2(r.exitCode == 0 || r.exitCode == 1, qPrintable(args.join(u' ')));
-            }
-        }
+        QVERIFY(a.size() >= 12 && (a.at(7) == char(250) || a.at(7) == char(251)));
     }
 };
 

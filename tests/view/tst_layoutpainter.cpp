@@ -22,11 +22,6 @@ class TestLayoutPainter : public DocumentTest {
         view.setZoom(zoom);
         return view;
     }
-    // The whole layout at zoom, objects at true scale as on the shipped pictures.
-    static ViewGeometry wholeView(float zoom)
-    {
-        return viewOf(int(1000 * zoom), int(800 * zoom), 1000, 800, 1000, zoom);
-    }
 
     // Doc painted as view shows it on a black picture of the client size, by a new painter
     // or one kept between repaints; drawn, when given, gets what the painter counted.
@@ -59,12 +54,9 @@ class TestLayoutPainter : public DocumentTest {
     {
         for (int y = at.y() - reach; y <= at.y() + reach; ++y)
             for (int x = at.x() - reach; x <= at.x() + reach; ++x) {
-                if (!image.valid(x, y))
-                    continue;
-                const QRgb p = image.pixel(x, y);
-                const int d = std::max({qAbs(qRed(p) - qRed(colour)), qAbs(qGreen(p) - qGreen(colour)),
-                                        qAbs(qBlue(p) - qBlue(colour))});
-                if ((d > tolerance) == far)
+                const QRgb p = image.valid(x, y) ? image.pixel(x, y) : 0;
+                if (image.valid(x, y) && (std::max({qAbs(qRed(p) - qRed(colour)), qAbs(qGreen(p) - qGreen(colour)),
+                                                    qAbs(qBlue(p) - qBlue(colour))}) > tolerance) == far)
                     return true;
             }
         return false;
@@ -74,11 +66,10 @@ private slots:
     void initTestCase()
     {
         // White pictures, tinted by kind: the 23 x 5 strip of the lines and a 40 x 40 cone.
-        for (const QSize size : {QSize(23, 5), QSize(40, 40)}) {
-            QImage white(size, QImage::Format_ARGB32);
+        for (const QString name : {"line", "cone"}) {
+            QImage white(name == "line" ? QSize(23, 5) : QSize(40, 40), QImage::Format_ARGB32);
             white.fill(Qt::white);
-            white.save(m_fx.app.file(size.height() == 5 ? QStringLiteral("objects/line.png")
-                                                        : QStringLiteral("objects/cone.png")));
+            white.save(m_fx.app.file("objects/" + name + ".png"));
         }
         FillCatalogue();
     }
@@ -91,10 +82,8 @@ private slots:
         for (QPoint direction : {QPoint(-1, 0), QPoint(0, -1), QPoint(1, 0), QPoint(0, 1)}) {
             auto session = m_fx.session(QStringLiteral("AU1_cull.lyt"));
             auto *doc = &session->document();
-            for (int past : {127, 129}) {
-                // From the middle, past the half width or height.
+            for (int past : {127, 129}) // from the middle, past the half width or height
                 addObject(*doc, 20, 600 + direction.x() * (100 + past), 350 + direction.y() * (50 + past));
-            }
             ViewGeometry view = viewOf(200, 100, doc->BoundsWidth(), doc->BoundsHeight(), 1630);
             view.setScroll(0, 500);
             view.setScroll(1, 300);
@@ -104,85 +93,66 @@ private slots:
         QCOMPARE(drawn, (QList<int>{1, 1, 1, 1}));
     }
 
-    void withoutBackgroundNothingIsDrawn()
-    {
-        options().AU1 = m_fx.app.file(QStringLiteral("missing.png"));
-        auto session = m_fx.session(QStringLiteral("AU1_none.lyt"));
-        auto *doc = &session->document();
-        QVERIFY(session->Background().isNull());
-        int drawn = -1;
-        QCOMPARE(painted(*session, viewOf(200, 100, 0, 0, 0), &drawn).pixel(100, 50), qRgb(0, 0, 0));
-        QCOMPARE(drawn, 0);
-    }
-
-    // The stretched background is kept between repaints but must follow the scroll.
-    void backgroundFollowsTheScroll()
+    // The stretched background is kept between repaints but must follow the scroll;
+    // without a picture nothing at all is drawn.
+    void background()
     {
         QImage bg(400, 300, QImage::Format_RGB32);
         bg.fill(Qt::red);
         QPainter(&bg).fillRect(200, 0, 200, 300, Qt::blue);
         bg.save(options().AU1 = m_fx.app.file(QStringLiteral("halves.png")));
         auto session = m_fx.session(QStringLiteral("AU1_halves.lyt"));
-        auto *doc = &session->document();
         ViewGeometry view = viewOf(100, 100, 400, 300, 1630);
         LayoutPainter painter;
         const QRgb left = painted(*session, view, nullptr, &painter).pixel(50, 50);
         view.setScroll(0, 250);
         QCOMPARE((QList<QRgb>{left, painted(*session, view, nullptr, &painter).pixel(50, 50)}),
                  (QList<QRgb>{qRgb(255, 0, 0), qRgb(0, 0, 255)}));
+        options().AU1 = m_fx.app.file(QStringLiteral("missing.png"));
+        session = m_fx.session(QStringLiteral("AU1_none.lyt"));
+        int drawn = -1;
+        QCOMPARE(painted(*session, viewOf(200, 100, 0, 0, 0), &drawn).pixel(100, 50), qRgb(0, 0, 0));
+        QCOMPARE(drawn, 0);
     }
 
     // A finish or checkpoint is a 5-pixel strip drawn at a small fraction of its
     // picture: at every width, turn and size it must leave pixels all along its length.
-    void thinLinesStayWhole_data()
-    {
-        QTest::addColumn<bool>("exported");
-        QTest::addColumn<QList<int>>("percents"); // view zoom or export size
-        QTest::newRow("view") << false << QList<int>{10, 20, 30, 40, 50, 58, 60, 70, 80, 90, 100};
-        QTest::newRow("export") << true << QList<int>{10, 20, 30, 40, 50, 60, 70, 80, 90, 100};
-    }
     void thinLinesStayWhole()
     {
-        QFETCH(bool, exported);
-        QFETCH(QList<int>, percents);
         auto session = m_fx.session(QStringLiteral("AU1_lines.lyt"));
         auto *doc = &session->document();
         const QRgb ground = session->Background().Handle().pixel(0, 0);
-        for (int percent : percents)
-            for (int angle : {0, 45, 90})
-                for (int width = 2; width <= 30; ++width) {
-                    std::shared_ptr<varnoObject> line = CreateObjectForKind(Kind::Finish + width % 4);
-                    line->setID(int16_t(Kind::Finish + width % 4));
-                    line->setX(500);
-                    line->setY(100);
-                    line->Update(int16_t(angle), uint8_t(width));
-                    DocumentState state;
-                    state.objects = {line};
-                    doc->restore(state);
-                    QImage picture;
-                    QPoint centre;
-                    if (exported) {
-                        // Only the rows around the line: the scale follows the width.
-                        picture = QImage(10 * percent, 2 * percent, QImage::Format_ARGB32_Premultiplied);
-                        QVERIFY(RenderLayoutPicture(ExportScene(*doc, session->Background()), picture));
-                        centre = QPoint(5 * percent, percent);
-                    } else {
-                        const ViewGeometry view = wholeView(float(percent) / 100.0f);
-                        picture = painted(*session, view);
-                        centre = inView(view, 500, 100);
+        for (bool exported : {false, true})
+            for (int percent : {10, 20, 30, 40, 50, 58, 60, 70, 80, 90, 100}) // view zoom or export size
+                for (int angle : {0, 45, 90})
+                    for (int width = 2; width <= 30; ++width) {
+                        doc->restore({});
+                        addObject(*doc, Kind::Finish + width % 4, 500, 100, angle, width);
+                        QImage picture;
+                        QPoint centre;
+                        if (exported) {
+                            // Only the rows around the line: the scale follows the width.
+                            picture = QImage(10 * percent, 2 * percent, QImage::Format_ARGB32_Premultiplied);
+                            QVERIFY(RenderLayoutPicture(ExportScene(*doc, session->Background()), picture));
+                            centre = QPoint(5 * percent, percent);
+                        } else {
+                            const float zoom = float(percent) / 100.0f;
+                            const ViewGeometry view = viewOf(int(1000 * zoom), int(800 * zoom), 1000, 800, 1000, zoom);
+                            picture = painted(*session, view);
+                            centre = inView(view, 500, 100);
+                        }
+                        // 22.8 picture pixels per unit of width, four to a layout unit.
+                        const double half = width * 22.8 * percent / 400.0 / 2.0;
+                        const double a = qDegreesToRadians(double(angle));
+                        for (double along = std::min(0.0, 1 - half); along <= std::max(0.0, half - 1);
+                             along += 1.0) {
+                            const QPoint at =
+                                centre + QPoint(qRound(along * std::cos(a)), qRound(-along * std::sin(a)));
+                            QVERIFY2(colourNear(picture, at, 2, ground, 2, true),
+                                     qPrintable(QStringLiteral("width %1 turned %2 at %3% (export %5): gap %4 off the middle")
+                                                    .arg(width).arg(angle).arg(percent).arg(along).arg(exported)));
+                        }
                     }
-                    // 22.8 picture pixels per unit of width, four to a layout unit.
-                    const double half = width * 22.8 * percent / 400.0 / 2.0;
-                    const double a = qDegreesToRadians(double(angle));
-                    for (double along = std::min(0.0, 1 - half); along <= std::max(0.0, half - 1);
-                         along += 1.0) {
-                        const QPoint at =
-                            centre + QPoint(qRound(along * std::cos(a)), qRound(-along * std::sin(a)));
-                        QVERIFY2(colourNear(picture, at, 2, ground, 2, true),
-                                 qPrintable(QStringLiteral("width %1 turned %2 at %3%: gap %4 off the middle")
-                                                .arg(width).arg(angle).arg(percent).arg(along)));
-                    }
-                }
     }
 
     // The view outlines the selection and marks selected objects too small to see lit (the
@@ -196,7 +166,7 @@ private slots:
         addObject(*doc, Kind::Checkpoint1, 700, 500, 0, 10, true);
         addObject(*doc, 27, 850, 150); // not selected, outside the selection
         for (float zoom : {1.0f, 0.25f}) {
-            const ViewGeometry view = wholeView(zoom);
+            const ViewGeometry view = viewOf(int(1000 * zoom), int(800 * zoom), 1000, 800, 1000, zoom); // the whole layout
             const QImage picture = painted(*session, view);
             QRect outline;
             for (int y = 0; y < picture.height(); ++y)
