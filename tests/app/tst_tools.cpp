@@ -16,6 +16,7 @@ struct Context : ToolContext {
     std::unique_ptr<LayoutSession> layout;
     ViewGeometry geometry;
     QStringList hints;
+    int16_t spacing = 20;
 
     explicit Context(const DocumentFixture &fx) : layout(fx.session(u"AU1_tools.lyt"_s))
     {
@@ -32,7 +33,7 @@ struct Context : ToolContext {
     void viewChanged() override {}
     void redraw() override {}
     void hint(const QString &text) override { hints << text; }
-    int16_t lineSpacing() const override { return 20; }
+    int16_t lineSpacing() const override { return spacing; }
 
     QPoint at(int x, int y) const
     {
@@ -142,6 +143,36 @@ private slots:
         // A box of 100 x 50 units fits the view.
         drag(tool, c.at(300, 300), c.at(400, 350));
         QCOMPARE(c.geometry.Zoom(), std::min(660 / 100.f, 520 / 50.f));
+    }
+
+    // With one object selected a drag lays a row of copies of it at the spacing.
+    void lineTool()
+    {
+        Context c(m_fx);
+        LayoutDocument &doc = c.session().document();
+        addObject(doc, 20, 200, 200, 0, 0, true);
+        addObject(doc, 20, 300, 200);
+        doc.SelectionUpdate();
+        LineTool tool(c);
+        QCOMPARE(tool.hint(), u"Click and drag to create a line of objects \u2014 spacing 20 (5.7m)"_s);
+        // Pressed on the source, the row starts at the source, which is its first member.
+        // Ctrl keeps it straight down; a new spacing shows on the next move.
+        tool.press({c.at(201, 201), Qt::LeftButton, Qt::LeftButton, Qt::ControlModifier});
+        tool.move({c.at(203, 265), Qt::NoButton, Qt::LeftButton, Qt::ControlModifier});
+        c.spacing = 21;
+        tool.move({c.at(203, 265), Qt::NoButton, Qt::LeftButton, {}});
+        QCOMPARE(tool.hint(), u"Hold Ctrl to constrain to 15\u00b0 increments, use < and > to change spacing "
+                              u"\u2014 spacing 21 (6.0m), copies: 3"_s);
+        tool.release({c.at(203, 265), Qt::LeftButton, Qt::NoButton, {}});
+        // A row from elsewhere that reaches the source leaves its slot to it.
+        drag(tool, c.at(200, 158), c.at(200, 200));
+        QCOMPARE(objectsText(doc).section(u"; "_s, 2), u"20@201,221 a0 w0; 20@202,242 a0 w0; 20@203,263 a0 w0; "
+                                                         u"20@200,158 a0 w0; 20@200,179 a0 w0"_s);
+        // Without a single selected object a press picks one instead.
+        doc.SelectAll();
+        drag(tool, c.at(300, 200), c.at(300, 200));
+        QCOMPARE(doc.Selection().size(), 1);
+        QCOMPARE(c.session().undoStack().count(), 2);
     }
 };
 

@@ -141,20 +141,6 @@ private slots:
     }
 
     // Whatever the bytes, never more objects than whole records in the file.
-    void garbageNeverCrashes()
-    {
-        QRandomGenerator rng(7);
-        auto session = m_fx.session(u"AU1_g.lyt"_s);
-        for (int i = 0; i < 40; ++i) {
-            QByteArray bytes(int(rng.bounded(200)), Qt::Uninitialized);
-            for (char &c : bytes)
-                c = char(rng.bounded(256));
-            WriteFile(packPath(u"AU_g.pack"_s), bytes);
-            const int before = session->document().Objects().Count();
-            session->PackRead(u"AU_g.pack"_s, int16_t(rng.bounded(1200)), int16_t(rng.bounded(1000)));
-            QVERIFY(session->document().Objects().Count() - before <= qMax(0, (int(bytes.size()) - 6) / 8));
-        }
-    }
 };
 
 QTEST_MAIN(TestPackFile)

@@ -183,38 +183,6 @@ private slots:
         QCOMPARE(m_w->undoStack()->count(), 1);
     }
 
-    void lineTool()
-    {
-        standard();
-        QStringList hints;
-        connect(m_w.get(), &frmLayout::Message, this,
-                [&](bool refusal, int16_t, int16_t, const QString &t) { if (!refusal) hints << t; });
-        keys(*m_w, "Ctrl+L");
-        QCOMPARE(hints.last(), "Click and drag to create a line of objects \u2014 spacing 20 (5.7m)");
-        // Pressed on the source, the row starts at the source, which is its first member.
-        // Ctrl keeps it straight down; a spacing key replays the move without Ctrl.
-        const auto ctrl = Qt::ControlModifier;
-        mouse(*m_w, QEvent::MouseButtonPress, viewOf(*m_w, 201, 201), Qt::LeftButton, Qt::LeftButton, ctrl);
-        mouse(*m_w, QEvent::MouseMove, viewOf(*m_w, 203, 265), Qt::NoButton, Qt::LeftButton, ctrl);
-        keys(*m_w, ".");
-        QCOMPARE(hints.last(), "Hold Ctrl to constrain to 15\u00b0 increments, use < and > to change spacing "
-                               "\u2014 spacing 21 (6.0m), copies: 3");
-        mouse(*m_w, QEvent::MouseButtonRelease, viewOf(*m_w, 203, 265), Qt::LeftButton, Qt::NoButton);
-        // A row from elsewhere that reaches the source leaves its slot to it.
-        drag(*m_w, viewOf(*m_w, 200, 158), viewOf(*m_w, 200, 200));
-        QCOMPARE(describe(m_w->document()).section(QStringLiteral("; "), 2),
-                 QStringLiteral("20@201,221 a0 w0; 20@202,242 a0 w0; 20@203,263 a0 w0; 20@200,158 a0 w0; "
-                                "20@200,179 a0 w0"));
-        // Without a single selected object a press picks one instead.
-        keys(*m_w, "Ctrl+A");
-        click(*m_w, viewOf(*m_w, 300, 200));
-        QCOMPARE(m_w->document().Selection().size(), 1);
-        QCOMPARE(m_w->undoStack()->count(), 2);
-        // Outside the line tool the spacing keys still say the new spacing.
-        keys(*m_w, "Esc Esc ,");
-        QCOMPARE(hints.last(), QStringLiteral("Object line: spacing 20 (5.7m)"));
-    }
-
     // Each change through the window is one step; undo brings back everything, the clean
     // state included, and redo the change.
     void undoRedo_data()
