@@ -3,7 +3,7 @@
 # (with leak checking) in build-asan/, and runs the whole test suite there. A report
 # from any sanitizer fails the test that caused it. Ends with ctest's summary line.
 #
-#   bash scripts/asan.sh [ctest arguments, for example -R tst_layoutfile]
+#   bash scripts/asan.sh [ctest arguments, for example -R tst_layoutsession]
 #
 # Same as: cmake --preset asan && cmake --build --preset asan && ctest --preset asan
 set -euo pipefail
