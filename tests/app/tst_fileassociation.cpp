@@ -49,7 +49,6 @@ private slots:
     void execLine()
     {
         QCOMPARE(make("/x/a\"b$c%d").execLine(), "\"/x/a\\\\\"b\\\\$c%%d\" %f");
-        QCOMPARE(make("/x/a\\b").execLine(), "\"/x/a\\\\\\\\b\" %f");
     }
 
     // Not associated -> create -> associated -> remove -> not associated, with the

@@ -14,27 +14,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Records what the dialog asks of the association and moves between states as a real
-// backend would.
+// Records what the dialog asks of the association.
 class FakeAssociation : public FileAssociation {
 public:
     explicit FakeAssociation(AssociationState s, QStringList *log) : m_state(s), m_log(log) {}
     AssociationState state() const override { return m_state; }
-    void remove() override
-    {
-        *m_log << "remove";
-        if (m_state == AssociationState::Associated)
-            m_state = AssociationState::NotAssociated;
-    }
-    void create() override
-    {
-        *m_log << "create";
-        m_state = AssociationState::Associated;
-    }
+    void remove() override { *m_log << "remove"; }
+    void create() override { *m_log << "create"; }
     void resolveByHand() override { *m_log << "by hand"; }
 
 private:
-    AssociationState m_state;
+    const AssociationState m_state;
     QStringList *m_log;
 };
 

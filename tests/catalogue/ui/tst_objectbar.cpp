@@ -1,7 +1,6 @@
 // The palette widget driven by synthesized mouse events: hovering, dragging, dropping,
 // clicking, and packs.
 
-#include "base/ErrorLog.h"
 #include "base/Language.h"
 #include "catalogue/ObjectKinds.h"
 #include "catalogue/PaletteRows.h"
@@ -74,7 +73,6 @@ private slots:
     void init()
     {
         m_dialogs.emplace();
-        ClearLoggedErrors();
         m_window = std::make_unique<QWidget>();
         m_window->resize(400, 440);
         m_bar = new Objectbar(m_window.get());
@@ -102,7 +100,6 @@ private slots:
         const Uniques placed{true, true, false, false, false};
         QTest::newRow("free start") << none << 0 << 0;
         QTest::newRow("placed start") << placed << 0 << -1;
-        QTest::newRow("free finish beside it") << placed << 1 << 1;
     }
     void hoverDragAndClick()
     {
