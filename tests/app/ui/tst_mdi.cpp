@@ -1,4 +1,4 @@
-// The main window as a user meets it: the new-layout menu, status texts, tools and keys,
+// The main window as a user meets it: new layouts, status texts, tools and keys,
 // change mode, closing with unsaved work, and drops from the palette.
 
 #include "app/ui/Editbar.h"
@@ -46,17 +46,10 @@ private slots:
         options() = m_previous;
     }
 
-    // The new-layout menu keeps the site codes in any language; the status panels.
-    void menusAndStatus()
+    // A new layout's name and the status panels.
+    void newLayoutAndStatus()
     {
-        WriteFile(m_app->file(QStringLiteral("lang/Other.lng")),
-                  "025 Rennstrecke\r\n029 Parkplatz\r\n030 Neu\r\n");
-        options().Language = m_app->file(QStringLiteral("lang/Other.lng"));
-        LoadLanguage();
         frmMDI mdi;
-        const QList<QAction *> items = mdi.newMenu()->actions();
-        QCOMPARE(items[0]->text(), QStringLiteral("AU1 - Rennstrecke"));
-        QCOMPARE(items[4]->text(), QStringLiteral("BL3 - Parkplatz"));
         // A new layout's file name comes from the fixed code and entry 104.
         mdi.show();
         QVERIFY(QTest::qWaitForWindowActive(&mdi));
