@@ -1,6 +1,6 @@
 // The committed pictures must be exactly what varno-artgen draws, and they must keep the
-// properties the editor relies on: transparent surroundings, greys for tinted objects,
-// the background sizes its coordinate maps use, and the files the resource list names.
+// properties the editor relies on: greys for tinted objects and the background sizes its
+// coordinate maps use.
 
 #include "support/TestSupport.h"
 
@@ -79,93 +79,37 @@ private slots:
         QVERIFY2(difference.isEmpty() == same, qPrintable(difference));
     }
 
-    // A committed picture the generator no longer draws would silently go stale.
-    void committedPicturesAreAllGenerated()
-    {
-        QStringList stale;
-        for (const char *folder : {"/objects", "/backgrounds", "/resources"})
-            for (QDirIterator it(m_source + folder, {"*.png"}, QDir::Files, QDirIterator::Subdirectories);
-                 it.hasNext();)
-                if (const QString relative = QDir(m_source).relativeFilePath(it.next());
-                    !m_generated.contains(relative))
-                    stale << relative;
-        QVERIFY2(stale.isEmpty(), qPrintable("not drawn by varno-artgen: " + stale.join(", ")));
-    }
-
-    // Every object picture (that each kind has one is the catalogue's test).
-    void objectPictures_data()
+    // The objects the editor tints have no colour of their own: tinting multiplies the
+    // colour in.
+    void tintedObjectsAreGrey_data()
     {
         QTest::addColumn<QString>("name");
-        for (const QString &relative : m_generated)
-            if (relative.startsWith("objects/"))
-                QTest::newRow(qPrintable(relative)) << relative.sliced(8).chopped(4);
+        for (const char *name : {"cone", "cone pointer", "post color", "barrier", "line"})
+            QTest::newRow(name) << QString(name);
     }
-    // Clear surroundings (a transparent corner), something solid, and for the objects the
-    // editor tints, no colour of their own: tinting multiplies the colour in. The editor
-    // stretches the line to a line's length, so it must be thin and solid all along.
-    void objectPictures()
+    void tintedObjectsAreGrey()
     {
         QFETCH(QString, name);
-        const bool tinted = QStringList{"cone", "cone pointer", "post color", "barrier", "line"}.contains(name);
         const QImage image = committed("objects/" + name + ".png");
         QVERIFY2(!image.isNull(), qPrintable("missing objects/" + name + ".png"));
-        const int w = image.width() - 1, h = image.height() - 1;
-        const QList<QRgb> corners = {image.pixel(0, 0), image.pixel(w, 0), image.pixel(0, h), image.pixel(w, h)};
-        QVERIFY(std::any_of(corners.begin(), corners.end(), [](QRgb c) { return qAlpha(c) == 0; }));
-        int opaque = 0, maxChroma = 0;
-        for (int y = 0; y <= h; ++y)
-            for (int x = 0; x <= w; ++x) {
+        int maxChroma = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x) {
                 const QRgb c = image.pixel(x, y);
-                opaque += qAlpha(c) == 255;
                 if (qAlpha(c) > 0)
                     maxChroma = std::max(maxChroma, std::max({qRed(c), qGreen(c), qBlue(c)})
                                                         - std::min({qRed(c), qGreen(c), qBlue(c)}));
             }
-        QVERIFY2(opaque >= 10, qPrintable(QString("only %1 opaque pixels").arg(opaque)));
-        if (tinted)
-            QVERIFY2(maxChroma <= 6, qPrintable(QString("coloured pixel, chroma %1").arg(maxChroma)));
-        if (name == "line") {
-            QVERIFY(image.width() > image.height() && image.height() <= 8);
-            for (int x = 0; x < image.width(); ++x)
-                QCOMPARE(qAlpha(image.pixel(x, image.height() / 2)), 255);
-        }
+        QVERIFY2(maxChroma <= 6, qPrintable(QString("coloured pixel, chroma %1").arg(maxChroma)));
     }
 
-    // The sizes the coordinate maps are drawn for; backgrounds are opaque.
+    // The sizes the coordinate maps are drawn for.
     void backgrounds()
     {
         const QList<std::pair<QString, QSize>> sizes{
             {"AU1", {1630, 2940}}, {"AU2", {1050, 1050}}, {"AU34", {580, 6260}}, {"BL3", {1220, 1970}}};
-        for (const auto &[name, size] : sizes) {
-            const QImage image = committed("backgrounds/" + name + ".png");
-            QCOMPARE(image.size(), size);
-            QVERIFY2(image.convertToFormat(QImage::Format_RGB32).convertToFormat(QImage::Format_ARGB32) == image,
-                     qPrintable(name));
-        }
-    }
-
-    // Every file the resource list names exists, at the size the program shows it.
-    void builtInPictures()
-    {
-        QFile qrc(m_source + "/resources/varno.qrc");
-        QVERIFY(qrc.open(QIODevice::ReadOnly));
-        QXmlStreamReader xml(&qrc);
-        QStringList aliases;
-        while (!xml.atEnd()) {
-            if (xml.readNext() != QXmlStreamReader::StartElement || xml.name() != QLatin1String("file"))
-                continue;
-            aliases << xml.attributes().value("alias").toString();
-            const QString file = xml.readElementText();
-            const QImage image = committed("resources/" + file);
-            QVERIFY2(!image.isNull(), qPrintable("missing resources/" + file));
-            const int side = file == "varno.png" ? 64 : file == "varno-256.png" ? 256 : 24;
-            QCOMPARE(image.size(), QSize(side, side));
-            QCOMPARE(qAlpha(image.pixel(0, 0)), 0);
-        }
-        QVERIFY(!xml.hasError());
-        QCOMPARE(aliases.size(), 1 + 16 + 2);
-        for (int i = 0; i < 16; ++i) // the toolbar's icons
-            QVERIFY(aliases.contains(QString("%1.png").arg(i)));
+        for (const auto &[name, size] : sizes)
+            QCOMPARE(committed("backgrounds/" + name + ".png").size(), size);
     }
 
 private:

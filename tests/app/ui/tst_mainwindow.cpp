@@ -17,13 +17,8 @@ private slots:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("path");
-        QTest::newRow("none") << QStringList{"Varno"} << "";
         QTest::newRow("quotes removed anywhere") << QStringList{"Varno", "\"/my maps/AU1_a.lyt\""}
                                                  << "/my maps/AU1_a.lyt";
-        QTest::newRow("two paths are one") << QStringList{"Varno", "\"/a/AU1_x.lyt\"", "\"/b/AU2_y.lyt\""}
-                                           << "/a/AU1_x.lyt /b/AU2_y.lyt";
-        QTest::newRow("split path joined again") << QStringList{"Varno", "/my", "maps/BL3_b.lyt"}
-                                                 << "/my maps/BL3_b.lyt";
         QTest::newRow("quoted program name with blanks")
             << QStringList{"\"C:\\Program Files\\Varno\\Varno.exe\"", "C:\\my", "maps\\AU1_a.lyt"}
             << "C:\\my maps\\AU1_a.lyt";
