@@ -70,7 +70,7 @@ private:
 // mounted() says whether it worked).
 class SmallDisk {
 public:
-    explicit SmallDisk(int kilobytes)
+    explicit SmallDisk([[maybe_unused]] int kilobytes)
     {
 #ifndef Q_OS_WIN
         const QByteArray options = "size=" + QByteArray::number(kilobytes) + "k,mode=0777";
