@@ -16,14 +16,10 @@
 #include "imaging/cGDIP.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QThread>
 #include <QtTest>
-#include <memory>
 #include <fcntl.h>
 #include <sys/stat.h>
 #ifdef Q_OS_WIN
@@ -36,18 +32,20 @@ namespace {
 
 enum class Saver { Layout, Pack, Config, Picture };
 const char *const kSaverNames[] = {"layout", "pack", "config", "picture"};
+// The file each saver writes; the picture is the same size for either version.
+const char *const kFileNames[] = {"AU1_saved.lyt", "AU_saved.pack", "Varno.cfg", "view.bmp"};
 
 // Two versions of one file of the same length, so that a whole file is exactly one of
 // them. Each saver writes version 0 or 1 of its file into a folder.
 struct Versions {
     Options previous = options();
+    ScriptedDialogs dialogs; // answers the pack's save dialog, records the boxes
     std::unique_ptr<LayoutSession> docs[2];
     cBitmap pictures[2];
-    ScriptedDialogs *dialogs = nullptr;
     Saver saver;
 
     // background: the picture the layouts are drawn on (its size fixes the positions).
-    Versions(Saver s, const QString &background, ScriptedDialogs *d) : dialogs(d), saver(s)
+    Versions(Saver s, const QString &background) : saver(s)
     {
         options().AU1 = background;
         for (int v = 0; v < 2; ++v) {
@@ -65,30 +63,19 @@ struct Versions {
     }
     ~Versions() { options() = previous; }
 
-    static QString fileName(Saver s)
-    {
-        switch (s) {
-        case Saver::Layout: return u"AU1_saved.lyt"_s;
-        case Saver::Pack: return u"AU_saved.pack"_s;
-        case Saver::Config: return u"Varno.cfg"_s;
-        case Saver::Picture: return u"view.bmp"_s; // same size for either version
-        }
-        return {};
-    }
+    QString path(const QString &folder) const { return folder + u'/' + QLatin1String(kFileNames[int(saver)]); }
 
-    // Saves version v into folder; returns what the saver returned (true for the writers
-    // that report only through the log).
+    // Saves version v into folder; returns what the saver returned (for the pack writer,
+    // which reports only through the log, whether it logged nothing).
     bool save(int v, const QString &folder)
     {
-        const QString path = folder + u'/' + fileName(saver);
         switch (saver) {
-        case Saver::Layout: {
-            docs[v]->setFileName(path);
+        case Saver::Layout:
+            docs[v]->setFileName(path(folder));
             return docs[v]->LayoutSave(false);
-        }
         case Saver::Pack: {
             const int before = LoggedErrors().size();
-            dialogs->saveAnswers = QStringList{path};
+            dialogs.saveAnswers = QStringList{path(folder)};
             docs[v]->PackWrite();
             return LoggedErrors().size() == before;
         }
@@ -104,10 +91,8 @@ struct Versions {
             SetAppPath(app);
             return ok;
         }
-        case Saver::Picture: {
-            cGDIP gdip;
-            return gdip.SaveBitmapToFile(pictures[v], path, 90);
-        }
+        case Saver::Picture:
+            return cGDIP().SaveBitmapToFile(pictures[v], path(folder), 90);
         }
         return false;
     }
@@ -136,11 +121,10 @@ void markStage(SafeWriteStage stage, const QString &)
 // It says "ready" once it is about to start.
 int saveLoop(char **argv)
 {
-    ScriptedDialogs dialogs;
     const Saver saver = Saver(atoi(argv[2]));
     const QString folder = QString::fromLocal8Bit(argv[3]);
     SetAppPath(folder);
-    Versions versions(saver, QString::fromLocal8Bit(argv[4]), &dialogs);
+    Versions versions(saver, QString::fromLocal8Bit(argv[4]));
     g_marker = ::open(argv[5], O_WRONLY);
     setSafeWriteHook(markStage);
     std::fputs("ready\n", stdout);
@@ -148,7 +132,7 @@ int saveLoop(char **argv)
     for (unsigned n = 0;; ++n) {
         mark('p');
         versions.save(int(n % 2 == 0), folder);
-        dialogs.messages.clear();
+        versions.dialogs.messages.clear();
         ClearLoggedErrors();
     }
 }
@@ -167,7 +151,7 @@ QStringList strays(const QString &folder, Saver saver)
 {
     QStringList out;
     for (const QString &name : QDir(folder).entryList(QDir::Files | QDir::Hidden))
-        if (name != Versions::fileName(saver) && name != u"Varno.log"_s && name != u"filler"_s)
+        if (name != QLatin1String(kFileNames[int(saver)]) && name != u"Varno.log"_s && name != u"filler"_s)
             out << name;
     return out;
 }
@@ -179,193 +163,106 @@ class TestFaultInjection : public QObject {
 
     DocumentFixture m_fx{1000, 800};
 
-    // One row per writer, with the error line it is expected to log.
-    static void savers(const QStringList &lines)
-    {
-        QTest::addColumn<int>("saver");
-        QTest::addColumn<QString>("told");
-        for (int s = 0; s < 4; ++s)
-            QTest::newRow(kSaverNames[s]) << s << lines[s];
-    }
-
-    // The one logged error of a failed save, and that its box was shown.
-    static void checkTold(const ScriptedDialogs &dialogs, const QString &expectedLine)
-    {
-        QCOMPARE(LoggedErrors(), QStringList{expectedLine});
-        QVERIFY(!dialogs.messages.isEmpty());
-        QVERIFY2(dialogs.messages.last().text.startsWith(ErrorBoxText(expectedLine)),
-                 qPrintable(dialogs.messages.last().text));
-    }
-
 private slots:
-    void init() { ClearLoggedErrors(); setSafeWriteHook(nullptr); g_hook = {}; }
     void cleanup() { setSafeWriteHook(nullptr); g_hook = {}; }
 
-    // A folder that takes no new file: the save fails and says so, unless the file itself
-    // is writable (no message expected), when it is overwritten in place, old tail kept,
-    // so that its other names see the new content too.
-    void readOnlyFolder_data()
+    // Version 0 is saved, then version 1 into the fault. A save that fails logs one line,
+    // shows it in a box and leaves version 0; one that can finish leaves version 1.
+    // read-only: the folder takes no new file. writable file: the same, but the file
+    // itself is writable, so it is overwritten in place, old tail kept, and its other
+    // names see the new content too. locked: the folder is locked against replacing
+    // files just before the new file is swapped in. replaced: another program replaces
+    // the file while Varno writes it.
+    void failedSave_data()
     {
-        savers({u"75: Path/File access error in frmLayout.LayoutSave"_s,
-                u"75: Path/File access error in frmLayout.PackWrite"_s, u"70: Permission denied in SaveOptions"_s,
-                u"70: Permission denied in cGDIP.SaveBitmapToFile"_s});
-        QTest::newRow("layout, file writable") << int(Saver::Layout) << QString();
-        QTest::newRow("pack, file writable") << int(Saver::Pack) << QString();
+        QTest::addColumn<int>("saver");
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QString>("told");
+        auto row = [](Saver s, const char *fault, const QString &told = {}) {
+            QTest::addRow("%s, %s", kSaverNames[int(s)], fault) << int(s) << QString::fromLatin1(fault) << told;
+        };
+        row(Saver::Layout, "read-only", u"75: Path/File access error in frmLayout.LayoutSave"_s);
+        row(Saver::Pack, "read-only", u"75: Path/File access error in frmLayout.PackWrite"_s);
+        row(Saver::Config, "read-only", u"70: Permission denied in SaveOptions"_s);
+        row(Saver::Picture, "read-only", u"70: Permission denied in cGDIP.SaveBitmapToFile"_s);
+        row(Saver::Layout, "writable file");
+        row(Saver::Layout, "full disk", u"61: Disk full in frmLayout.LayoutSave"_s);
+        row(Saver::Pack, "full disk", u"61: Disk full in frmLayout.PackWrite"_s);
+        row(Saver::Config, "full disk", u"61: Disk full in SaveOptions"_s);
+        row(Saver::Picture, "full disk", u"61: Disk full in cGDIP.SaveBitmapToFile"_s);
+        row(Saver::Layout, "locked", u"57: Device I/O error in frmLayout.LayoutSave"_s);
+        row(Saver::Pack, "locked", u"57: Device I/O error in frmLayout.PackWrite"_s);
+        row(Saver::Layout, "replaced");
     }
-    void readOnlyFolder()
+    void failedSave()
     {
         QFETCH(int, saver);
+        QFETCH(QString, fault);
         QFETCH(QString, told);
-        ScriptedDialogs dialogs;
-        Versions versions(Saver(saver), options().AU1, &dialogs);
+        Versions versions(Saver(saver), options().AU1);
+        SmallDisk disk(64);
         QTemporaryDir dir, elsewhere;
-        const QString folder = dir.path();
-        const QString path = folder + u'/' + Versions::fileName(Saver(saver));
-        const QString link = elsewhere.path() + u"/link"_s;
+        const QString folder = fault == u"full disk" && disk.mounted() ? disk.path() : dir.path();
+        const QString path = versions.path(folder), link = elsewhere.path() + u"/link"_s;
+        QVERIFY(versions.save(1, elsewhere.path()));
+        const QByteArray next = ReadAll(versions.path(elsewhere.path()));
         QVERIFY(versions.save(0, folder));
-        if (told.isEmpty()) {
+        if (fault == u"writable file") {
             WriteFile(path, ReadAll(path) + "old tail");
             QVERIFY(QFile::setPermissions(path, QFileDevice::Permissions(0x6666)));
 #ifndef Q_OS_WIN // no hard links there; the case skips below, as permissions cannot apply
             QCOMPARE(::link(QFile::encodeName(path).constData(), QFile::encodeName(link).constData()), 0);
 #endif
         }
+        // A read-only folder holds a read-only file, for any user.
+        if (fault == u"read-only")
+            QVERIFY(QFile::setPermissions(path, QFileDevice::Permissions(0x4444)));
         const QByteArray previous = ReadAll(path);
-        QVERIFY(!previous.isEmpty());
-        dialogs.messages.clear();
+        versions.dialogs.messages.clear();
         ClearLoggedErrors();
 
-        QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadOther
-                                          | QFileDevice::ExeOther);
-        bool saved = false;
-        {
-            OrdinaryUser user;
-            if (!user.permissionsApply())
-                QSKIP("Folder permissions cannot be made to apply to this process");
-            saved = versions.save(1, folder);
-        }
-        QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-        QCOMPARE(strays(folder, Saver(saver)), QStringList());
-        if (told.isEmpty()) {
-            QVERIFY(saved);
-            QCOMPARE(LoggedErrors(), QStringList());
-            QVERIFY(versions.save(1, elsewhere.path()));
-            const QByteArray next = ReadAll(elsewhere.path() + u'/' + Versions::fileName(Saver(saver)));
-            QCOMPARE(ReadAll(path), next + previous.mid(next.size()));
-            QCOMPARE(ReadAll(link), ReadAll(path));
-            return;
-        }
-        QVERIFY(!saved);
-        checkTold(dialogs, told);
-        QCOMPARE(ReadAll(path), previous);
-    }
-
-    void fullDisk_data()
-    {
-        savers({u"61: Disk full in frmLayout.LayoutSave"_s, u"61: Disk full in frmLayout.PackWrite"_s,
-                u"61: Disk full in SaveOptions"_s, u"61: Disk full in cGDIP.SaveBitmapToFile"_s});
-    }
-    void fullDisk()
-    {
-        QFETCH(int, saver);
-        QFETCH(QString, told);
-        ScriptedDialogs dialogs;
-        Versions versions(Saver(saver), options().AU1, &dialogs);
-        SmallDisk disk(64);
-        QTemporaryDir plain;
-        const QString folder = disk.mounted() ? disk.path() : plain.path();
-        QVERIFY(versions.save(0, folder));
-        const QByteArray previous = ReadAll(folder + u'/' + Versions::fileName(Saver(saver)));
-        dialogs.messages.clear();
-        ClearLoggedErrors();
-
-        if (disk.mounted()) {
-            disk.fill();
-        } else {
-            if (Saver(saver) == Saver::Config || Saver(saver) == Saver::Picture)
-                QSKIP("No small disk can be mounted here, and this writer has no failure hook");
-            g_hook = [](SafeWriteStage stage, const QString &) {
-                if (stage == SafeWriteStage::HalfWritten)
-                    rt::raise(rt::DiskFull);
-            };
-            setSafeWriteHook(hookTrampoline);
-        }
-        const bool saved = versions.save(1, folder);
-        QCOMPARE(ReadAll(folder + u'/' + Versions::fileName(Saver(saver))).size(), previous.size());
-        QVERIFY(!saved);
-        checkTold(dialogs, told);
-        QCOMPARE(ReadAll(folder + u'/' + Versions::fileName(Saver(saver))), previous);
-        QCOMPARE(strays(folder, Saver(saver)), QStringList());
-        qInfo("full disk: %s", disk.mounted() ? "64 KB tmpfs" : "injected write failure");
-    }
-
-    // Another program replaces the file while Varno writes it: Varno's save still lands
-    // whole. Or the folder is locked against replacing files just before Varno swaps its
-    // new file in: the save fails, says so, and the file is as it was.
-    void lockedOrReplaced_data()
-    {
-        QTest::addColumn<int>("saver");
-        QTest::addColumn<bool>("lock");
-        QTest::addColumn<QString>("told");
-        QTest::newRow("layout replaced") << int(Saver::Layout) << false << QString();
-        QTest::newRow("pack replaced") << int(Saver::Pack) << false << QString();
-        QTest::newRow("layout locked") << int(Saver::Layout) << true
-                                       << u"57: Device I/O error in frmLayout.LayoutSave"_s;
-        QTest::newRow("pack locked") << int(Saver::Pack) << true << u"57: Device I/O error in frmLayout.PackWrite"_s;
-    }
-    void lockedOrReplaced()
-    {
-        QFETCH(int, saver);
-        QFETCH(bool, lock);
-        QFETCH(QString, told);
-        ScriptedDialogs dialogs;
-        Versions versions(Saver(saver), options().AU1, &dialogs);
-        QTemporaryDir dir;
-        const QString folder = dir.path();
-        const QString path = folder + u'/' + Versions::fileName(Saver(saver));
-        QVERIFY(versions.save(0, folder));
-        const QByteArray previous = ReadAll(path);
-        QVERIFY(versions.save(1, folder));
-        const QByteArray next = ReadAll(path);
-        QVERIFY(versions.save(0, folder));
-        dialogs.messages.clear();
-        ClearLoggedErrors();
-
-        // The locking is done as nobody, who owns the folder, when the suite runs as root.
-#ifdef Q_OS_WIN
-        if (lock)
-            QSKIP("Windows folders have no permission bits to lock a save out with");
-#else
-        if (lock && geteuid() == 0 && chown(QFile::encodeName(folder).constData(), 65534, 65534) != 0)
+        // A locked folder is locked by nobody, who owns it, when the suite runs as root.
+#ifndef Q_OS_WIN
+        if (fault == u"locked" && geteuid() == 0 && chown(QFile::encodeName(folder).constData(), 65534, 65534) != 0)
             QSKIP("The folder cannot be handed to an ordinary user here");
 #endif
-        QFile::setPermissions(folder, QFileDevice::Permissions(0x7777));
+        const bool readOnly = fault == u"read-only" || fault == u"writable file";
+        QFile::setPermissions(folder, readOnly ? QFileDevice::Permissions(0x5005) : QFileDevice::Permissions(0x7777));
+        if (fault == u"full disk" && disk.mounted())
+            disk.fill();
+        else if (fault == u"full disk" && saver >= int(Saver::Config))
+            QSKIP("No small disk can be mounted here, and this writer has no failure hook");
         g_hook = [&](SafeWriteStage stage, const QString &target) {
-            if (lock && stage == SafeWriteStage::Written)
+            if (fault == u"locked" && stage == SafeWriteStage::Written)
                 QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-            if (!lock && stage == SafeWriteStage::HalfWritten)
+            if (fault == u"replaced" && stage == SafeWriteStage::HalfWritten)
                 QVERIFY(QFile::remove(target) && !WriteFile(target, "another program's version").isEmpty());
+            if (fault == u"full disk" && !disk.mounted() && stage == SafeWriteStage::HalfWritten)
+                rt::raise(rt::DiskFull);
         };
         setSafeWriteHook(hookTrampoline);
         bool saved = false;
         {
-            OrdinaryUser user;
-            if (lock && !user.permissionsApply())
+            std::optional<OrdinaryUser> user; // the full disk is filled for everyone
+            if (fault != u"full disk")
+                user.emplace();
+            if (user && fault != u"replaced" && !user->permissionsApply())
                 QSKIP("Folder permissions cannot be made to apply to this process");
             saved = versions.save(1, folder);
         }
         setSafeWriteHook(nullptr);
         QFile::setPermissions(folder, QFileDevice::Permissions(0x7777));
-        if (lock) {
-            QVERIFY(!saved);
-            checkTold(dialogs, told);
-            QCOMPARE(ReadAll(path), previous);
-        } else {
-            QVERIFY(saved);
-            QCOMPARE(LoggedErrors(), QStringList());
-            QCOMPARE(ReadAll(path), next);
-        }
         QCOMPARE(strays(folder, Saver(saver)), QStringList());
+        QCOMPARE(saved, told.isEmpty());
+        QCOMPARE(LoggedErrors(), told.isEmpty() ? QStringList() : QStringList{told});
+        const QByteArray kept = fault == u"writable file" ? next + previous.mid(next.size()) : next;
+        QCOMPARE(ReadAll(path), told.isEmpty() ? kept : previous);
+        if (!told.isEmpty()) {
+            QVERIFY(!versions.dialogs.messages.isEmpty());
+            QVERIFY(versions.dialogs.messages.last().text.startsWith(ErrorBoxText(told)));
+        }
+        if (fault == u"writable file")
+            QCOMPARE(ReadAll(link), ReadAll(path));
     }
 
     // A process that saves over and over is killed at random moments. Afterwards the
@@ -376,7 +273,6 @@ private slots:
         QTest::addColumn<int>("kills");
         const int scale = qEnvironmentVariableIsSet("VARNO_KILLS") ? qEnvironmentVariableIntValue("VARNO_KILLS") : 1;
         QTest::newRow("layout") << int(Saver::Layout) << 200 * scale;
-        QTest::newRow("pack") << int(Saver::Pack) << 60 * scale;
         QTest::newRow("config") << int(Saver::Config) << 60 * scale;
         QTest::newRow("picture") << int(Saver::Picture) << 60 * scale;
     }
@@ -384,11 +280,9 @@ private slots:
     {
         QFETCH(int, saver);
         QFETCH(int, kills);
-        ScriptedDialogs dialogs;
-        Versions versions(Saver(saver), options().AU1, &dialogs);
+        Versions versions(Saver(saver), options().AU1);
         QTemporaryDir dir;
-        const QString folder = dir.path();
-        const QString path = folder + u'/' + Versions::fileName(Saver(saver));
+        const QString folder = dir.path(), path = versions.path(folder);
         QVERIFY(versions.save(1, folder));
         const QByteArray one = ReadAll(path);
         QVERIFY(versions.save(0, folder));
@@ -398,7 +292,7 @@ private slots:
         QTemporaryDir markerDir;
         const QString marker = WriteFile(markerDir.filePath(u"marker"_s), "-");
         QRandomGenerator rng(uint(saver) * 7919u + 17u);
-        QMap<char, int> where; // the point of the save each kill landed at
+        int inside = 0; // kills that hit the temporary file half or wholly written
         for (int k = 0; k < kills; ++k) {
             QProcess child;
             child.start(QCoreApplication::applicationFilePath(),
@@ -410,27 +304,18 @@ private slots:
             child.kill(); // SIGKILL, or TerminateProcess on Windows
             QVERIFY(child.waitForFinished(20000));
             QCOMPARE(child.exitStatus(), QProcess::CrashExit);
-            ++where[ReadAll(marker).at(0)];
+            inside += QByteArray("hw").contains(ReadAll(marker).at(0));
 
             const QByteArray now = ReadAll(path);
-            QVERIFY2(now == zero || now == one, qPrintable(u"kill %1 left %2 bytes, not %3: %4"_s.arg(k)
-                                                                 .arg(now.size())
-                                                                 .arg(zero.size())
-                                                                 .arg(QString::fromLatin1(now.toPercentEncoding(" /\\_|'`,()")))));
+            QVERIFY2(now == zero || now == one, qPrintable(u"kill %1 left %2 bytes"_s.arg(k).arg(now.size())));
             // A kill may leave Qt's temporary file behind (where the file system has no
             // unnamed temporary files); it is never the saved file, and it goes.
             for (const QString &name : strays(folder, Saver(saver)))
                 QFile::remove(folder + u'/' + name);
         }
-        QString landed;
-        for (auto it = where.cbegin(); it != where.cend(); ++it)
-            landed += u' ' + QChar::fromLatin1(it.key()) + u'=' + QString::number(it.value());
-        qInfo("%d kills of the %s writer; where they landed (p before writing, o opened, h half written, "
-              "w written, r replaced):%s", kills, kSaverNames[saver], qPrintable(landed));
-        // The layout and pack writers report their stages; some kills must hit the
-        // temporary file half or wholly written.
-        if (Saver(saver) == Saver::Layout || Saver(saver) == Saver::Pack)
-            QVERIFY2(where.value('h') + where.value('w') > 0, qPrintable(landed));
+        // The layout writer reports its stages; some kills must land inside it.
+        if (Saver(saver) == Saver::Layout)
+            QVERIFY(inside > 0);
     }
 };
 
