@@ -2,7 +2,6 @@
 
 #include "base/ErrorLog.h"
 
-#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -89,14 +88,6 @@ private slots:
         QCOMPARE(refusals.count(), problem.startsWith(u"refused"_s) ? 1 : 0);
         if (refusals.count())
             QCOMPARE(int(refusals[0][0].value<LayoutDocument::Refusal>()), problem.mid(8).toInt());
-    }
-
-    void missingFile()
-    {
-        auto session = m_fx.session(u"AU1_missing.lyt"_s);
-        QVERIFY(!session->open(session->FileName(), LayoutSession::Missing::Refuse));
-        QCOMPARE(m_dialogs->messages.value(0).text, session->FileName() + u"\r\n\r\nNot found!?"_s);
-        QVERIFY(LoggedErrors().isEmpty());
     }
 
     // One object saved from a 1000 x 800 layout over a longer file: its record, then the
@@ -289,60 +280,6 @@ private slots:
         QCOMPARE(ReadAll(session.FileName()), lytHeader(251, 1, 0) + old.mid(12));
         QVERIFY(session.Edited());
         QCOMPARE(named.count(), 0);
-    }
-
-    // Random layouts of every type saved and opened again come back the same. AU3 and AU4
-    // are read back displaced below the picture (a lower object overflows, as open()
-    // shows), so every object saved in their upper half is refused. Angles are whole
-    // heading steps here; route checkers are left out, as their heading is their number.
-    void roundTrip_data()
-    {
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<int>("revision");
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("height");
-        QTest::newRow("AU1") << u"AU1"_s << 0 << 1000 << 800;
-        QTest::newRow("AU2 odd size") << u"AU2"_s << 0 << 733 << 911;
-        QTest::newRow("AU3") << u"AU3"_s << 0 << 600 << 5600;
-        QTest::newRow("AU4") << u"AU4"_s << 251 << 600 << 5600;
-        QTest::newRow("BL3 250") << u"BL3"_s << 250 << 1220 << 1700;
-        QTest::newRow("BL3 251") << u"BL3"_s << 251 << 1000 << 800;
-    }
-    void roundTrip()
-    {
-        QFETCH(QString, type);
-        QFETCH(int, revision);
-        QFETCH(int, width);
-        QFETCH(int, height);
-        DocumentFixture fx(width, height);
-        const bool displaced = type == u"AU3"_s || type == u"AU4"_s;
-        QList<int> kinds{0, 1, 2, 3, 4, 55, 56, 57, 58};
-        for (int k = Kind::FirstOrdinary; k <= Kind::LastOrdinary; ++k)
-            if (FileIndexForKind(k, type.startsWith(u"AU"_s)) != NotAtSite)
-                kinds << k;
-        for (quint32 seed = 1; seed <= 3; ++seed) {
-            QRandomGenerator rng(seed);
-            QFile::remove(fx.layoutPath(type + u".lyt"_s));
-            auto session = fx.session(type + u".lyt"_s);
-            auto *doc = &session->document();
-            doc->setRevision(uint8_t(revision));
-            doc->setLaps(uint8_t(rng.bounded(256)));
-            for (int i = 5 + int(rng.bounded(60)); i > 0; --i)
-                addObject(*doc, kinds[rng.bounded(kinds.size())], 1 + int(rng.bounded(width)),
-                          1 + int(rng.bounded(displaced ? height / 2 : height)),
-                          45 * int(rng.bounded(8)) - 180, 2 * (1 + int(rng.bounded(31))));
-            QVERIFY(session->LayoutSave(false));
-
-            auto backSession = fx.session(type + u".lyt"_s);
-
-            auto *back = &backSession->document();
-            QSignalSpy refusals(back, &LayoutDocument::Refused);
-            QVERIFY(backSession->LayoutOpen());
-            QCOMPARE(int(back->Revision()), revision == 250 ? 250 : 251);
-            QCOMPARE(back->Laps(), doc->Laps());
-            QCOMPARE(refusals.count(), displaced ? doc->Objects().Count() : 0);
-            QCOMPARE(objectsText(*back), displaced ? QString() : objectsText(*doc));
-        }
     }
 };
 

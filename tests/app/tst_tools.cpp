@@ -57,23 +57,32 @@ void drag(LayoutTool &tool, const QPoint &a, const QPoint &b, Qt::KeyboardModifi
 class TestTools : public DocumentTest {
     Q_OBJECT
 private slots:
-    // Cone A at 200,200 (selected) and cone B at 300,200.
     void selectTool_data()
     {
-        QTest::addColumn<QString>("gesture");
+        QTest::addColumn<QPoint>("from"); // layout units
+        QTest::addColumn<QPoint>("to");
+        QTest::addColumn<int>("modifiers");
         QTest::addColumn<QString>("selected");
         QTest::addColumn<int>("undoSteps");
-        QTest::newRow("click picks the object") << "click B" << "20@300,200 a0 w0" << 0;
-        QTest::newRow("shift-click adds") << "shift B" << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0;
-        QTest::newRow("ctrl-click removes") << "ctrl A" << "" << 0;
-        QTest::newRow("click on the ground clears") << "ground" << "" << 0;
-        QTest::newRow("box selects") << "box" << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0;
-        QTest::newRow("drag moves the selection as one step") << "drag A" << "20@240,230 a0 w0" << 1;
-        QTest::newRow("a drag stops at the edge") << "drag far" << "20@1,200 a0 w0" << 1;
+        const int shift = Qt::ShiftModifier, ctrl = Qt::ControlModifier;
+        QTest::newRow("click picks the object") << QPoint(300, 200) << QPoint(300, 200) << 0 << "20@300,200 a0 w0" << 0;
+        QTest::newRow("shift-click adds") << QPoint(300, 200) << QPoint(300, 200) << shift
+                                          << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0;
+        QTest::newRow("ctrl-click removes") << QPoint(200, 200) << QPoint(200, 200) << ctrl << "" << 0;
+        QTest::newRow("click on the ground clears") << QPoint(500, 500) << QPoint(500, 500) << 0 << "" << 0;
+        QTest::newRow("box selects") << QPoint(150, 150) << QPoint(350, 250) << 0
+                                     << "20@200,200 a0 w0; 20@300,200 a0 w0" << 0;
+        QTest::newRow("drag moves the selection as one step") << QPoint(200, 200) << QPoint(240, 230) << 0
+                                                              << "20@240,230 a0 w0" << 1;
+        QTest::newRow("a drag stops at the edge") << QPoint(200, 200) << QPoint(-50, 200) << 0 << "20@1,200 a0 w0" << 1;
     }
+    // Cone A at 200,200 (selected) and cone B at 300,200, in a view scrolled by 50, as the
+    // tools work in view pixels.
     void selectTool()
     {
-        QFETCH(QString, gesture);
+        QFETCH(QPoint, from);
+        QFETCH(QPoint, to);
+        QFETCH(int, modifiers);
         QFETCH(QString, selected);
         QFETCH(int, undoSteps);
         Context c(m_fx);
@@ -81,20 +90,9 @@ private slots:
         addObject(doc, 20, 200, 200, 0, 0, true);
         addObject(doc, 20, 300, 200);
         doc.SelectionUpdate();
-        c.geometry.setScroll(0, 50); // the tools work in view pixels, not layout units
+        c.geometry.setScroll(0, 50);
         SelectTool tool(c);
-        const QPoint a = c.at(200, 200), b = c.at(300, 200);
-        const auto mods = gesture == "shift B" ? Qt::ShiftModifier
-            : gesture == "ctrl A"             ? Qt::ControlModifier
-                                              : Qt::NoModifier;
-        const QPoint from = gesture.endsWith('A') ? a : gesture.endsWith('B') ? b
-            : gesture == "box"                     ? c.at(150, 150)
-                                                   : c.at(500, 500);
-        const QPoint to = gesture == "drag A" ? a + QPoint(40, 30)
-            : gesture == "drag far"          ? a + QPoint(-250, 0)
-            : gesture == "box"               ? c.at(350, 250)
-                                             : from;
-        drag(tool, gesture == "drag far" ? a : from, to, mods);
+        drag(tool, c.at(from.x(), from.y()), c.at(to.x(), to.y()), Qt::KeyboardModifiers(modifiers));
         QCOMPARE(objectsText(doc, true), selected);
         QCOMPARE(c.session().undoStack().count(), undoSteps);
         if (undoSteps) {

@@ -5,13 +5,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-QByteArray packRecord(int id, int x, int y, int angle, int width)
-{
-    return char(id) + le16(x) + le16(y) + le16(angle) + char(width);
-}
-} // namespace
-
 // varno-cli is run as a user would: a copy in its own application folder, so that its
 // Varno.cfg and Varno.log are its own.
 class TestCli : public QObject {

@@ -7,14 +7,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-QByteArray packRecord(int id, int x, int y, int angle, int width)
-{
-    return char(id) + le16(x) + le16(y) + le16(angle) + char(width);
-}
-QByteArray packHeader(int w, int h, int count)
-{
-    return le16(w) + le16(h) + le16(count);
-}
 QString packPath(const QString &name)
 {
     return AppPath() + u"packs"_s + QDir::separator() + name;

@@ -125,6 +125,16 @@ inline QByteArray lytRecord(int x, int y, int z, int flags, int index, int headi
     return le16(x) + le16(y) + char(z) + char(flags) + char(index) + char(heading);
 }
 
+inline QByteArray packHeader(int w, int h, int count)
+{
+    return le16(w) + le16(h) + le16(count);
+}
+
+inline QByteArray packRecord(int id, int x, int y, int angle, int width)
+{
+    return char(id) + le16(x) + le16(y) + le16(angle) + char(width);
+}
+
 // Shared set-up of the document suites: a 1000 x 800 application folder, and fresh
 // dialogs and an empty error list for every test function.
 class DocumentTest : public QObject {
