@@ -46,8 +46,10 @@ private slots:
         const QString path = m_fx.app.file(answer);
         if (!answer.isEmpty())
             m_dialogs->saveAnswers << path;
-        // Once the size dialog shows, type a width and press button.
-        QTimer::singleShot(0, [&] {
+        // Once the size dialog shows, type a width and press button. The timer belongs to
+        // this row alone: it goes with the guard, so it never reaches another row's dialog.
+        QObject guard;
+        QTimer::singleShot(0, &guard, [button] {
             if (auto *d = qobject_cast<frmSave *>(QApplication::activeModalWidget())) {
                 d->findChild<QSpinBox *>("udbWidth")->setValue(300);
                 d->findChild<QPushButton *>(button)->click();
