@@ -42,7 +42,7 @@ LayoutSession::~LayoutSession()
     m_undo.blockSignals(true);
 }
 
-bool LayoutSession::open(const QString &fileName, Missing missing)
+bool LayoutSession::openLayout(const QString &fileName, Missing missing)
 {
     setFileName(fileName);
     // A missing background or an unknown type has been told to the user; the layout

@@ -30,7 +30,7 @@ public:
     // file. A file that does not exist opens as a new, empty layout, or with Refuse is
     // reported as not found. False when the file could not be read. The history starts
     // empty and saved.
-    bool open(const QString &fileName, Missing missing = Missing::NewLayout);
+    bool openLayout(const QString &fileName, Missing missing = Missing::NewLayout);
 
     // --- the file -----------------------------------------------------------------
     // Sets the path, the name (the file's title) and the document's type (the title's

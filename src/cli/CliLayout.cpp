@@ -14,7 +14,7 @@ OpenedLayout::OpenedLayout(const QString &file)
 {
     QObject::connect(&session.document(), &LayoutDocument::Refused,
                      [this](LayoutDocument::Refusal why, int16_t, int16_t) { messages << Lang(why); });
-    opened = session.open(QFileInfo(file).absoluteFilePath(), LayoutSession::Missing::Refuse);
+    opened = session.openLayout(QFileInfo(file).absoluteFilePath(), LayoutSession::Missing::Refuse);
 }
 
 QString OpenedLayout::problem(const QString &file) const

@@ -78,7 +78,7 @@ public:
     // A whole picture in one go, with a palette built from its pixels.
     bool writeImage(const QImage &image);
 
-    Error error() const { return m_error; }
+    Error lastError() const { return m_error; }
     QString errorString() const { return m_errorString; }
     int rowsWritten() const { return m_row; }
 

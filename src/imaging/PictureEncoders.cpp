@@ -451,7 +451,7 @@ bool writeGif(const QImage &img, QIODevice &device, const WriteOptions &options)
     if (ok)
         ok = gif.finish();
     if (!ok) {
-        switch (gif.error()) {
+        switch (gif.lastError()) {
         case GifWriter::OutOfMemory: rt::raise(rt::OutOfMemory);
         case GifWriter::WriteFailed: rt::raise(rt::DiskFull);
         default: rt::raise(rt::DeviceIOError, gif.errorString());

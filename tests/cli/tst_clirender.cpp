@@ -85,7 +85,7 @@ private slots:
         options() = Options::defaults();
         FillCatalogue();
         LayoutSession session;
-        QVERIFY(session.open(m_layout, LayoutSession::Missing::Refuse));
+        QVERIFY(session.openLayout(m_layout, LayoutSession::Missing::Refuse));
         QImage drawn(back.size(), QImage::Format_ARGB32_Premultiplied);
         QVERIFY(RenderLayoutPicture(ExportScene(session.document(), session.Background()), drawn));
         QCOMPARE(u"%1 x %2"_s.arg(back.width()).arg(back.height()), expected);

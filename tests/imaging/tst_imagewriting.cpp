@@ -124,7 +124,7 @@ private slots:
         buffer.open(QIODevice::WriteOnly);
         GifWriter gif(&buffer);
         QCOMPARE(gif.begin(size.width(), size.height(), palette, transparent), rows >= 0);
-        QCOMPARE(gif.error(), rows < 0 ? GifWriter::InvalidArgument : GifWriter::NoError);
+        QCOMPARE(gif.lastError(), rows < 0 ? GifWriter::InvalidArgument : GifWriter::NoError);
         if (rows < 0)
             return;
         bool ok = true;

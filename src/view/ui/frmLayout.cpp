@@ -84,7 +84,7 @@ QWidget *frmLayout::canvas() const
 
 bool frmLayout::Initilize(const QString &FileName)
 {
-    if (!m_session.open(FileName))
+    if (!m_session.openLayout(FileName))
         return false;
     const lyt::TypeInfo *type = lyt::typeInfo(m_doc.LayoutType());
     m_view.setBackground(m_doc.BoundsWidth(), m_doc.BoundsHeight(), type ? int32_t(type->span) : 0);
