@@ -106,32 +106,10 @@ const QList<Row> &rows()
                  },
                  u"not saved edited"_s, {tooLong + u" in frmLayout.LayoutSave"_s}};
         // --- packs -------------------------------------------------------------------
-        t << Row{"pack with a huge box",
-                 [](Env &e) {
-                     WriteFile(e.fx.app.file(u"packs/AU_huge.pack"_s),
-                               PackBytes(32767, 32767, {{14, 0, 0, 0, 0}, {14, 16383, 16383, 0, 0}}));
-                 },
-                 [](Env &e) { return dropPack(e, u"AU_huge.pack"_s); }, kBase + u"; 14@300,200 a0 w0"_s, {},
-                 {u"Object outside layout, cannot add"_s}};
         t << Row{"a folder named like a pack",
                  [](Env &e) { QDir().mkpath(e.fx.app.file(u"packs/AU_dir.pack"_s)); },
                  [](Env &e) { return dropPack(e, u"AU_dir.pack"_s); }, kBase,
                  {QDir::toNativeSeparators(u"packs/AU_dir.pack"_s) + u"\r\n\r\nNot found!?"_s}};
-        // --- language files ----------------------------------------------------------
-        t << Row{"UTF-8 language file with invalid sequences",
-                 [](Env &e) {
-                     WriteFile(e.fx.app.file(u"lang/Odd.lng"_s),
-                               "\xEF\xBB\xBF" "050 Opt\xC3(ons\r\n160 \xF0\x80\r\n");
-                 },
-                 [](Env &e) {
-                     options().Language = e.fx.app.file(u"lang/Odd.lng"_s);
-                     LoadLanguage();
-                     const QString result = Lang(50) + u'|' + Lang(160);
-                     options().Language = e.fx.app.file(u"lang/English.lng"_s);
-                     LoadLanguage();
-                     return result;
-                 },
-                 u"Opt\uFFFD(ons|\uFFFD\uFFFD"_s};
         // --- pictures (a huge object picture is read by tst_imaging) -----------------
         t << Row{"a background larger than memory allows",
                  [](Env &e) {
