@@ -58,10 +58,9 @@ class TestImageExport : public DocumentTest {
         bg.save(options().AU1);
         m_session = m_fx.session(QStringLiteral("AU1_export.lyt"));
         m_doc = &m_session->document();
-        addObject(*m_doc, 5, 40, 30, 30);                // an ordinary object, turned
         addObject(*m_doc, Kind::Finish, 100, 80, 0, 20); // a line with a width, selected
-        addObject(*m_doc, 12, 199, 159, -90); // at the corner, partly outside
-        m_doc->Select({m_doc->Objects().At(1).Key()}, LayoutDocument::SelectMode::Add);
+        addObject(*m_doc, 12, 199, 159, -90);            // turned, at the corner, partly outside
+        m_doc->Select({m_doc->Objects().At(0).Key()}, LayoutDocument::SelectMode::Add);
         m_out = m_fx.app.file(QStringLiteral("out/") + QString::fromLatin1(QTest::currentTestFunction()) + u'/'
                               + QString::fromLatin1(QTest::currentDataTag()));
         QDir().mkpath(m_out);
@@ -126,18 +125,19 @@ private slots:
         QTest::addColumn<QSize>("size");
         QTest::addColumn<QString>("logged");
         QTest::addColumn<QString>("shown");
-        auto row = [](const char *tag, const char *name, QSize size, const char *logged = "", const char *shown = "") {
-            QTest::newRow(tag) << name << size << logged << shown;
-        };
+        auto row = [](const char *tag, const char *name, QSize size, const char *logged = "",
+                      const char *shown = "") { QTest::newRow(tag) << name << size << logged << shown; };
         row("png 1000%, many bands", "a.png", {2000, 1600});
         row("bmp odd width", "a.bmp", {203, 162});
         row("missing folder", "missing/a.png", {200, 160}, "76: Path not found in cGDIP.SaveBitmapToFile");
         row("zero width", "a.png", {0, 160},
             "5: The picture must be at least 1 x 1 pixels in frmLayout.LayoutSaveImageFile");
         row("no memory", "a.png", {200000, 200000}, "", "A picture of 200000 x 200000 pixels needs");
-        row("unknown format", "a.xyz", {200, 160}, "", "\n(xyz) Unknown image format. Choose a different one\r");
+        row("unknown format", "a.xyz", {200, 160}, "",
+            "\n(xyz) Unknown image format. Choose a different one\r");
         // With no dot the whole path is taken for the extension.
-        row("no extension", "picture", {200, 160}, "", "/picture) Unknown image format. Choose a different one\r");
+        row("no extension", "picture", {200, 160}, "",
+            "/picture) Unknown image format. Choose a different one\r");
     }
     void saveImageFile()
     {
