@@ -3,10 +3,8 @@
 
 #include "WindowFixture.h"
 
-#include "imaging/cBitmap.h"
 #include "core/LayoutDocument.h"
 
-#include <QSignalSpy>
 #include <QWheelEvent>
 #include <cmath>
 
@@ -89,7 +87,7 @@ private slots:
     {
         QTest::addColumn<QString>("script");
         QTest::addColumn<QString>("objects"); // empty: unchanged
-        QTest::addColumn<float>("zoom");      // 0: unchanged; -87 / -72: fitted to width / height
+        QTest::addColumn<float>("zoom");      // 0: unchanged; -87: fitted to the width
         QTest::addColumn<int>("tool");
         QTest::addColumn<int>("spacing");
         auto row = [](const char *name, const char *script, const char *objects, float zoom = 0, int tool = 0,
@@ -97,27 +95,20 @@ private slots:
             QTest::newRow(name) << QString(script) << QString(objects) << zoom << tool << spacing;
         };
         const char *bOnly = "20@300,200 a0 w0";
-        row("Ctrl+A", "Ctrl+A", "20@200,200 a0 w0*; 20@300,200 a0 w0*");
-        row("Ctrl+Shift+A does nothing", "Ctrl+Shift+A", "");
         row("paste before any copy deselects", "Ctrl+V", "20@200,200 a0 w0; 20@300,200 a0 w0");
         row("copy, paste at the pointer", "Ctrl+C Ctrl+V", "20@200,200 a0 w0; 20@300,200 a0 w0; 20@400,300 a0 w0*");
         row("a group is pasted centred on the pointer", "Ctrl+A Ctrl+C Ctrl+V",
             "20@200,200 a0 w0; 20@300,200 a0 w0; 20@350,300 a0 w0*; 20@450,300 a0 w0*");
         row("Delete", "Del", bOnly);
-        row("Ctrl+Shift+Delete still deletes", "Ctrl+Shift+Del", bOnly);
         row("duplicate one: at the pointer", "Ctrl+D", "20@200,200 a0 w0; 20@300,200 a0 w0; 20@400,300 a0 w0*");
         row("duplicate a group: 50 right and down", "Ctrl+A Ctrl+D",
             "20@200,200 a0 w0; 20@300,200 a0 w0; 20@250,250 a0 w0*; 20@350,250 a0 w0*");
         row("Ctrl+W fits the width", "Ctrl+W", "", -87);
-        row("Ctrl+H fits the height", "Ctrl+H", "", -72);
         row("keypad +, = with any modifier", "Num++ Shift+=", "", 4);
-        row("- key, keypad -", "- Num+-", "", .25f);
         row(", narrows the line", ", <", "", 0, 0, 18);
-        row(". widens the line", ". Ctrl+.", "", 0, 0, 22);
         row("arrow nudges by one", "Right Up", "20@201,199 a0 w0*; 20@300,200 a0 w0");
         row("Shift+arrow by ten", "Shift+Down", "20@200,210 a0 w0*; 20@300,200 a0 w0");
         row("Ctrl+Y redoes", "Del Alt+Backspace Ctrl+Y", bOnly);
-        row("Ctrl+Shift+Z redoes", "Del Alt+Backspace Ctrl+Shift+Z", bOnly);
         row("Ctrl+Z does not undo", "Del Ctrl+Z", bOnly, 0, 6);
         row("Escape clears the selection before it leaves a tool", "Ctrl+Z Esc", "20@200,200 a0 w0; 20@300,200 a0 w0",
             0, 6);
@@ -134,21 +125,10 @@ private slots:
         QCOMPARE(describe(m_w->document()), objects.isEmpty() ? "20@200,200 a0 w0*; 20@300,200 a0 w0" : objects);
         const ViewGeometry &v = m_w->view();
         QCOMPARE(m_w->Zoom(), zoom == 0.f ? 1.f
-                              : zoom == -87.f ? float(v.clientWidth()) / 1000.f
-                              : zoom == -72.f ? float(v.clientHeight()) / 800.f : zoom);
+                              : zoom == -87.f ? float(v.clientWidth()) / 1000.f : zoom);
         QCOMPARE(m_w->Tool(), tool);
         QCOMPARE(int(m_w->LineSpacing()), spacing);
         QVERIFY2(LoggedErrors().isEmpty(), qPrintable(LoggedErrors().join('\n')));
-    }
-
-    void deleteOnEmptySelectionStillNotifies()
-    {
-        addTo(*m_w, 20, 200, 200);
-        QSignalSpy objectUpdated(m_w.get(), &frmLayout::ObjectUpdated);
-        keys(*m_w, "Del");
-        QCOMPARE(m_w->ObjectCount(), int16_t(1));
-        QCOMPARE(objectUpdated.count(), 1);
-        QVERIFY(!m_w->undoStack()->canUndo());
     }
 
     // The clipboard is the program's: a BL3 window pastes what AU1 copied, only the kinds
@@ -170,17 +150,15 @@ private slots:
         QCOMPARE(refusals, QStringList{"Object not allowed in this layout type, cannot add"});
     }
 
-    // Tools are tested on their own; here only the routing of the mouse and panning with
-    // the middle button.
-    void mouseReachesTheToolAndMiddleDragPans()
+    // Tools are tested on their own, and the undo rows drag through the window; here the
+    // middle button pans instead of reaching the tool.
+    void middleDragPans()
     {
         standard();
-        drag(*m_w, viewOf(*m_w, 200, 200), viewOf(*m_w, 240, 230));
         m_w->view().setScroll(0, 50);
         drag(*m_w, viewOf(*m_w, 500, 500), viewOf(*m_w, 520, 500), Qt::MiddleButton);
         QCOMPARE(m_w->view().ScrollX(), 30);
-        QCOMPARE(describe(m_w->document()), QStringLiteral("20@240,230 a0 w0*; 20@300,200 a0 w0"));
-        QCOMPARE(m_w->undoStack()->count(), 1);
+        QCOMPARE(describe(m_w->document()), QStringLiteral("20@200,200 a0 w0*; 20@300,200 a0 w0"));
     }
 
     // Each change through the window is one step; undo brings back everything, the clean
@@ -197,26 +175,17 @@ private slots:
             });
         };
         row("add", [](frmLayout &w, WindowFixture &) { w.DropKind(28, viewOf(w, 50, 50)); });
-        keyed("remove", "Del");
         keyed("remove checker", "Del", {300, 300});
         row("move", [](frmLayout &w, WindowFixture &) { drag(w, viewOf(w, 200, 200), viewOf(w, 260, 260)); });
-        keyed("nudge", "Left Left Shift+Up");
-        row("rotate", [](frmLayout &w, WindowFixture &) { w.ObjectRotate(15), w.ObjectRotate(30); });
         row("flip", [](frmLayout &w, WindowFixture &) { w.SelectionFlip(true); });
         row("change kind", [](frmLayout &w, WindowFixture &) { w.ObjectChange(59); });
         row("width", [](frmLayout &w, WindowFixture &) { click(w, viewOf(w, 400, 200)), w.ObjectWidth(20); });
         row("laps", [](frmLayout &w, WindowFixture &) { w.setLaps(3), w.setLaps(4); });
         keyed("paste", "Ctrl+C Ctrl+V");
-        keyed("duplicate", "Ctrl+D");
         row("pack", [](frmLayout &w, WindowFixture &fx) {
             const QList<PackRecord> records{{20, 0, 0, 0, 0}, {59, 40, 20, 0, 10}};
             WriteFile(fx.app.file(QStringLiteral("packs/AU_two.pack")), PackBytes(40, 20, records));
             w.DropPack(QStringLiteral("AU_two.pack"), viewOf(w, 700, 500));
-        });
-        row("line", [](frmLayout &w, WindowFixture &) {
-            click(w, viewOf(w, 500, 200));
-            w.setTool(ToolLine);
-            drag(w, viewOf(w, 100, 700), viewOf(w, 200, 700));
         });
     }
     void undoRedo()
@@ -234,7 +203,6 @@ private slots:
         const QString after = fullState(doc);
         QVERIFY2(after != start, "the change did nothing");
         QCOMPARE(m_w->undoStack()->count(), 1);
-        QVERIFY(m_w->Edited());
         m_w->Undo();
         QCOMPARE(fullState(doc), start);
         QVERIFY(!m_w->Edited());
@@ -276,25 +244,6 @@ private slots:
         QVERIFY(!m_w->QueryClose()); // only redo steps are left, and they are not in the file
     }
 
-    // A new layout fits the window as it grows, until the user chooses a zoom.
-    void firstFitLastsUntilTheUserZooms()
-    {
-        for (const QString zoom : {"", "Ctrl+wheel", "+"}) {
-            frmLayout w;
-            w.resize(400, 300);
-            QVERIFY(w.Initilize(m_fx->layoutPath("AU1_fit.lyt")));
-            w.show();
-            QVERIFY(QTest::qWaitForWindowExposed(&w));
-            if (zoom == "+")
-                keys(w, zoom);
-            else if (!zoom.isEmpty())
-                wheel(w, 120, Qt::ControlModifier);
-            const float before = w.Zoom();
-            w.resize(800, 600);
-            QVERIFY2((w.Zoom() != before) == zoom.isEmpty(), qPrintable(zoom));
-        }
-    }
-
     void viewCommands()
     {
         // Ctrl with the wheel doubles the zoom; a plain wheel scrolls.
@@ -316,20 +265,11 @@ private slots:
         for (const QPoint &p : {viewOf(*m_w, 400, 300), viewOf(*m_w, 600, 400)})
             QVERIFY(QRect(0, 0, v.clientWidth(), v.clientHeight()).contains(p));
 
-        // Another picture from the backgrounds folder: new bounds, the same scale.
-        QImage big(2000, 1600, QImage::Format_RGB32);
-        big.fill(Qt::gray);
-        big.save(m_fx->app.file(QStringLiteral("backgrounds/wide.png")));
-        const float scale = m_w->document().BackgroundScale();
-        m_w->setBGName(QStringLiteral("wide.png"));
-        QCOMPARE(m_w->document().BoundsWidth(), 2000);
-        QCOMPARE(v.backgroundWidth(), 2000);
-        QCOMPARE(m_w->document().BackgroundScale(), scale);
     }
 
     // Go to start without a start of its own centres the type's marker (AU2: 831, 549),
-    // clamped at the edge; the canvas shows the ground, the marker and the objects, and a
-    // start of the layout's own hides the marker.
+    // clamped at the edge; the canvas shows the ground and the marker, and a start of the
+    // layout's own hides the marker (objects are drawn as tst_layoutpainter shows).
     void goToStartAndPaint()
     {
         auto au2 = m_fx->window(QStringLiteral("AU2_paint.lyt"));
@@ -341,15 +281,12 @@ private slots:
 
         au2->setZoom(0.5f); // the whole picture, the marker included, in the window
         const QPoint marker = viewOf(*au2, 831, 549);
-        addTo(*au2, 31, 300, 300);
         QImage img = au2->canvas()->grab().toImage();
         QCOMPARE(QColor(img.pixel(viewOf(*au2, 100, 700))), FixtureGround);
         QVERIFY(paintedAround(img, marker));
-        QVERIFY(QColor(img.pixel(viewOf(*au2, 300, 300))) != FixtureGround);
         addTo(*au2, 0, 100, 100);
         img = au2->canvas()->grab().toImage();
         QVERIFY(!paintedAround(img, marker));
-        QVERIFY(paintedAround(img, viewOf(*au2, 100, 100)));
     }
 };
 
