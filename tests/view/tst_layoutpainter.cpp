@@ -74,6 +74,25 @@ private slots:
         FillCatalogue();
     }
 
+    // Scrolled to 500, 300 with 200 x 100 units visible: an object 127 units past an edge
+    // may still reach in and is drawn, one 129 past is left out.
+    void culling()
+    {
+        QList<int> drawn;
+        for (QPoint direction : {QPoint(-1, 0), QPoint(0, -1), QPoint(1, 0), QPoint(0, 1)}) {
+            auto session = m_fx.session(QStringLiteral("AU1_cull.lyt"));
+            auto *doc = &session->document();
+            for (int past : {127, 129}) // from the middle, past the half width or height
+                addObject(*doc, 20, 600 + direction.x() * (100 + past), 350 + direction.y() * (50 + past));
+            ViewGeometry view = viewOf(200, 100, doc->BoundsWidth(), doc->BoundsHeight(), 1630);
+            view.setScroll(0, 500);
+            view.setScroll(1, 300);
+            painted(*session, view, &drawn.emplace_back());
+            --drawn.last(); // the start marker left out
+        }
+        QCOMPARE(drawn, (QList<int>{1, 1, 1, 1}));
+    }
+
     // The stretched background is kept between repaints but must follow the scroll;
     // without a picture nothing at all is drawn.
     void background()

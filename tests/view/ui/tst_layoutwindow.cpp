@@ -264,7 +264,25 @@ private slots:
         QVERIFY(qAbs(cx - 500) <= 1 && qAbs(cy - 350) <= 1);
         for (const QPoint &p : {viewOf(*m_w, 400, 300), viewOf(*m_w, 600, 400)})
             QVERIFY(QRect(0, 0, v.clientWidth(), v.clientHeight()).contains(p));
+    }
 
+    // A new layout fits the window as it grows, until the user chooses a zoom.
+    void firstFitLastsUntilTheUserZooms()
+    {
+        for (const QString zoom : {"", "Ctrl+wheel", "+"}) {
+            frmLayout w;
+            w.resize(400, 300);
+            QVERIFY(w.Initilize(m_fx->layoutPath("AU1_fit.lyt")));
+            w.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&w));
+            if (zoom == "+")
+                keys(w, zoom);
+            else if (!zoom.isEmpty())
+                wheel(w, 120, Qt::ControlModifier);
+            const float before = w.Zoom();
+            w.resize(800, 600);
+            QVERIFY2((w.Zoom() != before) == zoom.isEmpty(), qPrintable(zoom));
+        }
     }
 
     // Go to start without a start of its own centres the type's marker (AU2: 831, 549),
