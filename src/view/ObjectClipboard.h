@@ -2,7 +2,7 @@
 // The object clipboard, one for the whole program so that any open layout can paste
 // what another copied, and the keyboard's edit commands that use the selection: copy,
 // paste, delete and duplicate. Each ends by rebuilding the selection and raising the
-// document's updates; refusals of single objects come back as the document's Message.
+// document's updates; refusals of single objects come back as the document's Refused.
 
 #include <QList>
 #include <cstdint>
